@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /* The one access routine of the Verilog programming language interface (IEEE 1364) that the
- * interface shares with its regions: the project's own stand-in, replaced by a simulator's header of
- * the same name with -DFLI_INCLUDE_DIR=DIR. */
+ * interface shares with its regions: the project's own stand-in, replaced by a simulator's header
+ * of the same name with -DFLI_INCLUDE_DIR=DIR. */
 #ifndef ACC_USER_H
 #define ACC_USER_H
 

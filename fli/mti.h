@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /* The simulator's Foreign Language Interface, as far as Wattforge uses or offers it: the project's
  * own stand-in, written from the interface's published description. A build for a simulator takes
- * that simulator's header of the same name instead (-DFLI_INCLUDE_DIR=DIR), so code on the plug-in's
- * side uses the names below, never their values.
+ * that simulator's header of the same name instead (-DFLI_INCLUDE_DIR=DIR), so code on the
+ * plug-in's side uses the names below, never their values.
  *
  * Texts are `char *` throughout, as the interface has them; a callee never writes to a text that it
  * is given. A function that takes a `buf` fills it, or, when it is null, returns memory that the
@@ -107,8 +107,8 @@ extern mtiDirectionT mti_GetSignalMode(mtiSignalIdT signal);
 extern mtiInt32T mti_GetSignalValue(mtiSignalIdT signal);
 
 /* Types. The literals stay the simulator's. The length is a number of elements, literals or fields,
- * and 0 for real, time and an integer that spans the full range. The direction is +1, -1, or 0 for a
- * record. */
+ * and 0 for real, time and an integer that spans the full range. The direction is +1, -1, or 0 for
+ * a record. */
 extern mtiTypeKindT mti_GetTypeKind(mtiTypeIdT type);
 extern mtiTypeIdT mti_GetArrayElementType(mtiTypeIdT type);
 extern char **mti_GetEnumValues(mtiTypeIdT type);
