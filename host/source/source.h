@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+// What every place a design and its events come from looks like to the shell: one class to load the
+// design, to replay its events into the kernel step by step, and to say how far that has got.
+//
+// Order of calls: open_source, then load once, then advance_to as often as wanted. A source that
+// reports damage has replayed everything before the damaged place and keeps answering `damaged`.
+#ifndef WATTFORGE_HOST_SOURCE_SOURCE_H
+#define WATTFORGE_HOST_SOURCE_SOURCE_H
+
+#include <csignal>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace wf {
+
+class Design;
+class Kernel;
+using Ticks = std::int64_t;
+
+// Set to non-zero (from a signal handler, say) to make advance_to return after the step it is in.
+// Null: never. The source reads it and does not clear it.
+using StopFlag = const volatile std::sig_atomic_t *;
+
+// Why advance_to came back.
+enum class Progress {
+    reached,      // now() is the limit, and there is data beyond it
+    end_of_data,  // the data ended at or before the limit; now() is the last recorded time
+    damaged,      // error() says where and why; what was read before it has been replayed
+    interrupted,  // the stop flag was set; now() is a time at which every change has been applied
+};
+
+// How far a source has got.
+struct SourcePosition {
+    uint64_t bytes_read = 0;   // of the file as it lies on disk, compressed or not
+    uint64_t bytes_total = 0;  // its length, 0 if that is not known (a pipe)
+    Ticks last_time = 0;       // last time read, ticks
+};
+
+class Source {
+  public:
+    Source() = default;
+    Source(const Source &) = delete;
+    Source &operator=(const Source &) = delete;
+    virtual ~Source() = default;
+
+    // Reads the declarations into an empty `design`, its resolution included. False: error().
+    virtual bool load(Design &design) = 0;
+
+    // Applies every time step up to and including `limit` (ticks), each one finished in `kernel`
+    // before the next begins and before the return. Pass the largest Ticks to read to the end.
+    virtual Progress advance_to(Kernel &kernel, Ticks limit, StopFlag stop) = 0;
+
+    // `file:line: expected X, got Y`; empty while nothing has gone wrong.
+    virtual const std::string &error() const = 0;
+
+    virtual SourcePosition position() const = 0;
+
+    // `listener` is called from inside load and advance_to about once a megabyte; empty: nobody.
+    virtual void on_progress(std::function<void(const SourcePosition &)> listener) = 0;
+};
+
+// Opens the waveform at `path` ("-" is standard input), plain or compressed with gzip; its format
+// is recognised by its content, not its name. Null: `*error` is `file: expected X, got Y`.
+std::unique_ptr<Source> open_source(const std::string &path, std::string *error);
+
+}  // namespace wf
+
+#endif
