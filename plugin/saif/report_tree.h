@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+// Turns the monitor table into the writer's tree, one port or net for each watched bit, under the
+// simulator's names or under those of a forward RTL SAIF file, and prints the records of the
+// report.
+#ifndef WATTFORGE_PLUGIN_SAIF_REPORT_TREE_H
+#define WATTFORGE_PLUGIN_SAIF_REPORT_TREE_H
+
+#include <mti.h>
+
+#include <cstdio>
+
+#include "plugin/monitor/monitor_table.h"
+#include "plugin/rtlsaif/rtl_table.h"
+#include "plugin/saif/tree.h"
+
+// Enter every element of the monitor table whose name begins with `instance` (a full region name),
+// in table order: under its own name, then under each alias, wherever that lies. The first uses the
+// simulator's names; the second the names of the RTL objects that a bit is mapped to, and the
+// simulator's name, with square brackets, for a bit without any.
+void build_saif_tree(const char *instance, SaifTree *tree);
+void build_rtl_saif_tree(const char *instance, SaifTree *tree);
+
+// Enter all bits of one element under one name.
+void insert_subelements_into_saif_tree(const MonitorElement *element, const char *name,
+                                       SaifTree *tree);
+void insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const char *name,
+                                           const char *instance, SaifTree *tree);
+
+// The RtlObjects mapped to a bit and the testbench path under which they stand; null without any.
+// Both results belong to the RTL table.
+list *get_gate_name_list(const char *bit_name, const char **path_key);
+
+// Enters one RTL object with a bit's activity: an ordinary one as a port, a sequential or tri-state
+// one as a port of the virtual instance that its path names.
+void add_to_rtl_saif_tree(const RtlObject *object, const char *path_key, const char *instance,
+                          saif_switching_attribute *switching, SaifTree *tree);
+
+// 1 for a signal of mode in, out or inout.
+int signal_is_port(mtiSignalIdT signal);
+
+// The writer's print functions for ports and nets and for instances. `switching` is a
+// saif_switching_attribute, durations are multiplied by `scale`; `node_info` is the RtlObjectKind
+// of a virtual instance, null for an ordinary one.
+void net_print(FILE *stream, const dstring *name, void *switching, double scale, int indentation);
+void node_print(FILE *stream, const dstring *name, void *node_info, int *indentation);
+
+#endif
