@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+// Bytes of a waveform in blocks, from wherever they come: a file, standard input, a gzip stream, or
+// memory. Knows nothing of formats. An input can wrap another, so that a decompressor or a thread
+// that reads ahead stands between the disk and the reader without either noticing.
+#ifndef WATTFORGE_HOST_SOURCE_INPUT_H
+#define WATTFORGE_HOST_SOURCE_INPUT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace wf {
+
+class Input {
+  public:
+    explicit Input(std::string name) : name_(std::move(name)) {}
+    Input(const Input &) = delete;
+    Input &operator=(const Input &) = delete;
+    virtual ~Input() = default;
+
+    // What messages call this input: the path as given, or `<stdin>`.
+    const std::string &name() const { return name_; }
+
+    // Up to `size` bytes into `buffer`; as many as there are, so a short count is not the end.
+    // Zero: the end, or, with failed(), an error.
+    std::size_t read(char *buffer, std::size_t size);
+
+    // The next bytes, at most `size`, without taking them; fewer only at the end or on failure. The
+    // view is good until the next read or peek.
+    std::string_view peek(std::size_t size);
+
+    bool failed() const { return !failure_.empty(); }
+
+    // What went wrong, worded to stand after "got": `a truncated gzip stream`.
+    const std::string &failure() const { return failure_; }
+
+    // Bytes taken so far from the disk or the pipe, and how many it holds (0: not known).
+    virtual uint64_t bytes_read() const = 0;
+    virtual uint64_t bytes_total() const = 0;
+
+  protected:
+    // The same as read, without the peeked bytes.
+    virtual std::size_t fill(char *buffer, std::size_t size) = 0;
+    void fail(std::string cause) { failure_ = std::move(cause); }
+
+  private:
+    std::string name_;
+    std::string failure_;
+    std::string peeked_;  // read ahead by peek, not yet handed out
+};
+
+// Opens a file, or standard input for "-". Null: `*error` is `path: expected X, got Y`.
+std::unique_ptr<Input> open_file_input(const std::string &path, std::string *error);
+
+// The uncompressed bytes of `compressed`, which may hold several gzip streams one after another. A
+// stream that is cut off or fails its checksum fails the input after its last good byte.
+std::unique_ptr<Input> make_gzip_input(std::unique_ptr<Input> compressed);
+
+// `text` under the name `name`, handed out in pieces of at most `piece` bytes.
+std::unique_ptr<Input> make_memory_input(std::string name, std::string text,
+                                         std::size_t piece = SIZE_MAX);
+
+}  // namespace wf
+
+#endif
