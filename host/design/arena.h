@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+// Storage for a design's many small records: they stay where they are, neighbours stay neighbours,
+// and any address can be asked whether it is one of them.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace wf {
+
+// Records of one type in blocks that double in size. Nothing is given back before the whole goes.
+template <typename T>
+class Arena {
+  public:
+    // `count` value-initialised records side by side.
+    T *make(size_t count = 1) {
+        if (last_ == nullptr || last_->used + count > last_->size) {
+            add_block(count);
+        }
+        T *first = last_->records.get() + last_->used;
+        last_->used += count;
+        return first;
+    }
+
+    // Whether this is the address of a record that was made here.
+    bool contains(const void *address) const {
+        return last_ != nullptr && (holds(*last_, address) || search(address));
+    }
+
+  private:
+    struct Block {
+        std::unique_ptr<T[]> records;
+        size_t size;
+        size_t used = 0;
+    };
+    static constexpr size_t first_size = 64;
+    static constexpr size_t largest_size = size_t{1} << 18;
+
+    void add_block(size_t count) {
+        const size_t usual =
+            last_ == nullptr ? first_size : std::min(last_->size * 2, largest_size);
+        const size_t size = std::max(count, usual);
+        auto block = std::make_unique<Block>(Block{std::make_unique<T[]>(size), size});
+        last_ = block.get();
+        const auto after = std::upper_bound(
+            blocks_.begin(), blocks_.end(), block,
+            [](const auto &a, const auto &b) { return a->records.get() < b->records.get(); });
+        blocks_.insert(after, std::move(block));
+    }
+
+    static bool holds(const Block &block, const void *address) {
+        const auto distance =
+            reinterpret_cast<uintptr_t>(address) - reinterpret_cast<uintptr_t>(block.records.get());
+        return distance < block.used * sizeof(T) && distance % sizeof(T) == 0;
+    }
+
+    bool search(const void *address) const {
+        const auto after = std::upper_bound(
+            blocks_.begin(), blocks_.end(), address, [](const void *wanted, const auto &block) {
+                return wanted < static_cast<const void *>(block->records.get());
+            });
+        return after != blocks_.begin() && holds(**(after - 1), address);
+    }
+
+    std::vector<std::unique_ptr<Block>> blocks_;  // by address
+    Block *last_ = nullptr;                       // the one that is being filled
+};
+
+// NUL-terminated texts, one after the other in large blocks.
+class TextArena {
+  public:
+    // A copy of the text that lives as long as the arena.
+    char *store(std::string_view text) {
+        if (left_ < text.size() + 1) {
+            left_ = std::max(text.size() + 1, block_size);
+            blocks_.push_back(std::make_unique<char[]>(left_));
+            next_ = blocks_.back().get();
+        }
+        char *copy = next_;
+        std::memcpy(copy, text.data(), text.size());
+        next_ += text.size() + 1;
+        left_ -= text.size() + 1;
+        return copy;
+    }
+
+  private:
+    static constexpr size_t block_size = 16384;
+    std::vector<std::unique_ptr<char[]>> blocks_;
+    char *next_ = nullptr;
+    size_t left_ = 0;
+};
+
+}  // namespace wf

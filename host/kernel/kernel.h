@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: Apache-2.0
+// Simulated time, the values that change in it, and the processes that wake on them. It knows
+// slots, not signals' names; it runs what a process holds and asks nothing about it.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/design/design.h"
+#include "host/kernel/process.h"
+
+namespace wf {
+
+using Ticks = int64_t;
+
+// A time step:
+//
+//     kernel.begin_step(t);          // t is now
+//     kernel.set_byte(slot, value);  // any number of these; a value written again is no event
+//     kernel.finish_step();          // immediate, normal, then postponed processes
+//
+// In finish_step the processes sensitive to a slot whose value changed run once each: the immediate
+// ones first, then the normal ones in the order in which their slots changed first (those of one
+// slot in the order in which they were sensitised), then, when all that has settled, the postponed
+// ones. Values that a process sets are a further delta cycle of the same step; those that a
+// postponed process sets wait for the next finish_step.
+//
+// A replayed value has no transactions without an event, so an `active` sensitivity wakes like an
+// `event` one.
+//
+// Cost: a set with an equal value is a compare; a change that nobody watches is that, a store and a
+// look at the slot's head; a watched one also enters its slot into a queue. Queues keep their
+// capacity, so nothing is allocated in the long run. Memory: 4 bytes a slot, 32 a process.
+class Kernel {
+  public:
+    // Works on the design's storage. The design must outlive the kernel.
+    explicit Kernel(Design &design);
+    ~Kernel();
+    Kernel(const Kernel &) = delete;
+    Kernel &operator=(const Kernel &) = delete;
+
+    // Takes in storage that the design has gained: to be called after signals were added and before
+    // their values are set. Values set before stay.
+    void sync();
+
+    // --- time ---
+    Ticks now() const { return now_; }
+    // Moves time forward; `time` is not before now(). Setting values without it belongs to the
+    // step that is now.
+    void begin_step(Ticks time) { now_ = time; }
+    // Runs what the step's changes woke.
+    void finish_step() {
+        if (changed_count_ != 0) {
+            run_step();
+        }
+    }
+    // Moves to a later time at which nothing changes.
+    void advance(Ticks time) {
+        finish_step();
+        begin_step(time);
+    }
+
+    // --- values ---
+    uint8_t byte(Slot slot) const { return values_[slot]; }
+    int64_t word(Slot slot) const {
+        int64_t value;
+        std::memcpy(&value, values_ + slot, sizeof value);
+        return value;
+    }
+    double real(Slot slot) const { return std::bit_cast<double>(word(slot)); }
+    const uint8_t *bytes(Slot first) const { return values_ + first; }
+
+    void set_byte(Slot slot, uint8_t value) {
+        if (values_[slot] != value) {
+            values_[slot] = value;
+            touch(slot);
+        }
+    }
+    // Sets neighbouring one-byte slots; compared eight at a time.
+    void set_bytes(Slot first, const uint8_t *values, uint32_t count);
+    // Sets the eight slots of one scalar, which is watched through the first of them.
+    void set_word(Slot slot, int64_t value) {
+        if (word(slot) != value) {
+            std::memcpy(values_ + slot, &value, sizeof value);
+            touch(slot);
+        }
+    }
+    void set_real(Slot slot, double value) { set_word(slot, std::bit_cast<int64_t>(value)); }
+
+    // --- processes ---
+    // A process that wakes when it is sensitised; it never runs by itself. The name is copied. The
+    // process lives as long as the kernel. Null when there are 2^30 of them.
+    Process *create_process(std::string_view name, ProcessFunction function, void *parameter,
+                            Priority priority = Priority::normal);
+    // Makes the process wake with the signal: with every leaf of a composite.
+    void sensitize(Process *process, const Signal &signal, Trigger trigger = Trigger::event);
+    bool is_process(const void *handle) const;
+    const std::string &name_of(const Process &process) const { return names_[process.name]; }
+    uint32_t process_count() const { return process_count_; }
+    // Whether anybody watches one of these slots. The answer holds while watch_version() stays the
+    // same; a source may then leave out the parsing of a value that nobody sees but the slots.
+    bool watched(Slot first, uint32_t count) const;
+    uint32_t watch_version() const { return watch_version_; }
+
+    // --- tracing ---
+    // Calls `tracer(context, process)` before every process that runs; null switches it off.
+    using Tracer = void (*)(void *context, const Process &process);
+    void trace_wakes(Tracer tracer, void *context) {
+        tracer_ = tracer;
+        tracer_context_ = context;
+    }
+
+  private:
+    // A slot's head: bit 31 says that the slot is in the queue, the rest is the link to the last of
+    // its watchers, whose own link leads to the first. 0: nobody watches.
+    static constexpr uint32_t queued_mark = 0x80000000U;
+
+    // Queues a changed slot if somebody watches it and it is not queued yet.
+    void touch(Slot slot) {
+        const uint32_t head = heads_[slot];
+        if (head - 1 < queued_mark - 1) {
+            enqueue(slot, head);
+        }
+    }
+    void enqueue(Slot slot, uint32_t head) {
+        heads_[slot] = head | queued_mark;
+        if (changed_count_ == changed_.size()) [[unlikely]] {
+            grow_changed();
+        }
+        changed_[changed_count_++] = slot;
+    }
+    void touch_differences(Slot first, uint64_t difference);
+
+    void run_step();
+    template <bool traced>
+    void run_deltas();
+    template <bool traced>
+    void run_immediate(uint32_t from, uint32_t end);
+    template <bool traced>
+    void wake_slot(Slot slot, bool first_delta);
+    template <bool traced>
+    void run_postponed();
+    template <bool traced>
+    void run(Process &process);
+    void postpone(uint32_t index, bool first_delta);
+    bool already_woken(Process &process);
+    void next_delta();
+    void grow_changed();
+
+    void watch_slot(Process *process, uint32_t index, Slot slot);
+    void watch_leaves(Process *process, uint32_t index, const Type &type, Slot first);
+    uint32_t intern_name(std::string_view name);
+    uint32_t index_of(const Process *process) const;
+    Process &process_at(uint32_t index) { return blocks_[index >> block_bits][index & block_mask]; }
+    uint32_t &next_link(uint32_t link);
+    uint32_t process_of(uint32_t link) const;
+
+    static constexpr uint32_t block_bits = 16;
+    static constexpr uint32_t block_mask = (1U << block_bits) - 1;
+    struct BlockFree {
+        void operator()(Process *block) const;
+    };
+
+    // The hot ones first.
+    uint8_t *values_ = nullptr;
+    uint32_t *heads_ = nullptr;
+    uint32_t changed_count_ = 0;
+    uint32_t delta_ = 0;
+    Ticks now_ = 0;
+    std::vector<Slot> changed_;        // the first changed_count_ are the queue
+    std::vector<uint32_t> postponed_;  // processes
+    std::vector<std::unique_ptr<Process[], BlockFree>> blocks_;
+    std::vector<WatchNode> nodes_;
+    uint32_t process_count_ = 0;
+    uint32_t immediate_count_ = 0;
+    uint32_t watch_version_ = 0;
+    bool running_postponed_ = false;
+    std::vector<uint32_t> head_storage_;
+    Tracer tracer_ = nullptr;
+    void *tracer_context_ = nullptr;
+    std::vector<std::string> names_;
+    Design &design_;
+};
+
+inline void Kernel::touch_differences(Slot first, uint64_t difference) {
+    static_assert(std::endian::native == std::endian::little);
+    while (difference != 0) {
+        const unsigned byte_number = static_cast<unsigned>(std::countr_zero(difference)) / 8;
+        touch(first + byte_number);
+        difference &= ~(uint64_t{0xff} << (byte_number * 8));
+    }
+}
+
+inline void Kernel::set_bytes(Slot first, const uint8_t *values, uint32_t count) {
+    if (count < 8) {
+        for (uint32_t i = 0; i < count; ++i) {
+            set_byte(first + i, values[i]);
+        }
+        return;
+    }
+    // The last word reaches back over bytes that are equal by then.
+    for (uint32_t i = 0;; i = i + 16 <= count ? i + 8 : count - 8) {
+        uint64_t before;
+        uint64_t after;
+        std::memcpy(&before, values_ + first + i, 8);
+        std::memcpy(&after, values + i, 8);
+        if (before != after) {
+            std::memcpy(values_ + first + i, &after, 8);
+            touch_differences(first + i, before ^ after);
+        }
+        if (i + 8 == count) {
+            return;
+        }
+    }
+}
+
+}  // namespace wf
