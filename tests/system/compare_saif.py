@@ -102,7 +102,8 @@ def expected_from_vcd(options):
         owner = path.rsplit("/", 1)[0]
         if not inside(owner, options.instance):
             continue
-        if any(inside(owner, region) for region in options.off):
+        if any(inside(owner, region) for region in options.off) and not any(
+                inside(owner, region) for region in options.on):
             continue
         expected[path] = [{key: f"{value * scale if key[0] == 'T' and key != 'TC' else value:.6f}"
                            for key, value in figures.items()}]
@@ -146,7 +147,10 @@ def main():
     parser.add_argument("--vcd")
     parser.add_argument("--window", nargs=2, action="append", metavar=("START", "STOP"))
     parser.add_argument("--instance", default="")
-    parser.add_argument("--off", action="append", default=[], metavar="REGION")
+    parser.add_argument("--off", action="append", default=[], metavar="REGION",
+                        help="a region that is not watched")
+    parser.add_argument("--on", action="append", default=[], metavar="REGION",
+                        help="a watched region inside one that is not")
     parser.add_argument("--unit", default="1e-9")
     options = parser.parse_args()
     found = list(compare(options))

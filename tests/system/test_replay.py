@@ -1,0 +1,128 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Replays a waveform made by Icarus Verilog and compares every figure with an independent count."""
+
+import gzip
+import pathlib
+import shutil
+import tempfile
+import unittest
+
+from programs import HERE, UART, WFSIM, must, run, simulate_uart, without_date
+
+REPORT = "toggle_report out.saif 1.0e-9 /tb/dut\n"
+
+# name: (script, windows, further arguments of the comparison)
+SCRIPTS = {
+    "two windows": (
+        "set_toggle_region /tb/dut; run 1us; toggle_start; run 10us; toggle_stop; run 333ns\n"
+        "toggle_start; run 20.5us; toggle_stop\n" + REPORT,
+        [("1us", "11us"), ("11.333us", "31.833us")], []),
+    "opens in the middle, between two events": (
+        "set_toggle_region /tb/dut; run 12344321; toggle_start; run 7us; toggle_stop\n" + REPORT,
+        [("12344321", "19344321")], []),
+    "opens and closes on a clock edge": (
+        "set_toggle_region /tb/dut; run 1.005us; toggle_start; run 1us; toggle_stop\n" + REPORT,
+        [("1.005us", "2.005us")], []),
+    "opens before the first event and ends with the file": (
+        "set_toggle_region /tb/dut; toggle_start; run -all; toggle_stop\n" + REPORT,
+        [("0", "46706000")], []),
+    "windows before a reset are gone": (
+        "set_toggle_region /tb/dut; toggle_start; run 9us; toggle_stop\n" + REPORT +
+        "toggle_reset; run 1us; toggle_start; run 4us; toggle_stop; run 1us\n"
+        "toggle_start; run 2us; toggle_stop\n" + REPORT,
+        [("10us", "14us"), ("15us", "17us")], []),
+    "an instance is off by policy, and what shares its prefix": (
+        "set_net_monitoring_policy off /tb/dut/rx\n"
+        "set_toggle_region /tb/dut; run 1us; toggle_start; run 40us; toggle_stop\n" + REPORT,
+        [("1us", "41us")], ["--off", "/tb/dut/rx", "--off", "/tb/dut/rx_queue"]),
+    "an instance is on inside one that is off": (
+        "set_net_monitoring_policy off /tb/dut/tx_queue on {/tb/dut/tx_queue/slot[2]}\n"
+        "set_toggle_region /tb/dut; run 1us; toggle_start; run 40us; toggle_stop\n" + REPORT,
+        [("1us", "41us")],
+        ["--off", "/tb/dut/tx_queue", "--on", "/tb/dut/tx_queue/slot(2)"]),
+    "another unit": (
+        "set_toggle_region /tb; run 1us; toggle_start; run 40us; toggle_stop\n"
+        "toggle_report out.saif 1.0e-12 /tb\n",
+        [("1us", "41us")], ["--instance", "/tb", "--unit", "1e-12"]),
+}
+
+
+class Replay(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.shared = tempfile.TemporaryDirectory()
+        cls.vcd = simulate_uart(cls.shared.name)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.shared.cleanup()
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def compare(self, report, windows, further=()):
+        window_arguments = [word for window in windows for word in ("--window", *window)]
+        done = run("python3", HERE / "compare_saif.py", report, "--vcd", self.vcd,
+                   *window_arguments, "--instance", "/tb/dut", *further, folder=self.folder)
+        self.assertEqual((done.returncode, done.stderr), (0, ""), done.stdout)
+
+    def test_run_script_of_the_example(self):
+        must(WFSIM, self.vcd, "-do", UART / "run.tcl", folder=self.folder)
+        self.compare("uart.saif", [("1us", "41us")])
+
+    def test_windows_reset_and_policy(self):
+        for name, (script, windows, further) in SCRIPTS.items():
+            with self.subTest(name):
+                (self.folder / "run.tcl").write_text(script + "quit\n")
+                must(WFSIM, self.vcd, "-do", "run.tcl", folder=self.folder)
+                self.compare("out.saif", windows, further)
+
+    def test_one_command_without_a_script(self):
+        must(WFSIM, self.vcd, "-saif", "out.saif", "-instance", "/tb/dut", "-start", "1us",
+             "-stop", "41us", folder=self.folder)
+        self.compare("out.saif", [("1us", "41us")])
+
+    def test_every_way_in_gives_the_same_report(self):
+        must(WFSIM, self.vcd, "-do", UART / "run.tcl", folder=self.folder)
+        expected = without_date(self.folder / "uart.saif")
+        packed = self.folder / "packed"
+        packed.write_bytes(gzip.compress(self.vcd.read_bytes()))
+        with open(self.vcd, encoding="latin-1") as pipe:
+            routes = {
+                "gzip": lambda: must(WFSIM, packed, "-do", UART / "run.tcl", folder=self.folder),
+                "pipe": lambda: must(WFSIM, "-", "-do", UART / "run.tcl", folder=self.folder,
+                                     stdin=pipe),
+            }
+            for name, route in routes.items():
+                with self.subTest(name):
+                    (self.folder / "uart.saif").unlink()
+                    route()
+                    self.assertEqual(without_date(self.folder / "uart.saif"), expected)
+
+    @unittest.skipUnless(shutil.which("vcd2fst"), "vcd2fst is not installed (package gtkwave)")
+    def test_pipe_from_another_format(self):
+        must("vcd2fst", self.vcd, "uart.fst", folder=self.folder)
+        piped = must("fst2vcd", "uart.fst", folder=self.folder)
+        must(WFSIM, "-", "-do", UART / "run.tcl", folder=self.folder, input=piped)
+        self.compare("uart.saif", [("1us", "41us")])
+
+    def test_the_comparison_sees_a_wrong_figure(self):
+        must(WFSIM, self.vcd, "-do", UART / "run.tcl", folder=self.folder)
+        report = self.folder / "uart.saif"
+        right = report.read_text()
+        for old, new in {"(IG 1.000000)": "(IG 2.000000)", "(TC 74.000000)": "(TC 75.000000)",
+                         "(INSTANCE baud": "(INSTANCE band", "(DURATION 40000.00)": "(DURATION 1.00)",
+                         "(TX 0.000000)": "(TX 0.100000)"}.items():
+            with self.subTest(old):
+                self.assertIn(old, right)
+                report.write_text(right.replace(old, new, 1))
+                done = run("python3", HERE / "compare_saif.py", report, "--vcd", self.vcd,
+                           "--window", "1us", "41us", "--instance", "/tb/dut", folder=self.folder)
+                self.assertEqual(done.returncode, 1, done.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
