@@ -16,12 +16,12 @@
 
 #include <mti.h>
 
-#include <cstddef>
-#include <cstdint>
-
 #include "plugin/saif/attributes.h"
 #include "plugin/support/hash_table.h"
 #include "plugin/support/linked_list.h"
+
+#include <cstddef>
+#include <cstdint>
 
 // States of a bit. The first two and MFLI_STATE_X are also what a value maps to (select/types.h).
 enum : int32_t {
@@ -102,6 +102,10 @@ void mfli_add_name_to_monitor(const char *name, MonitorElement *element);
 
 // Releases all elements and the table, if there is one, and sets mfli_monitor_table to null.
 void mfli_free_monitor_table();
+
+// Calls `visit` for each element in table order, with `context` handed through. An entry without an
+// element is visited as null. Without a table nothing is visited.
+void mfli_visit_monitor_table(void (*visit)(MonitorElement *element, void *context), void *context);
 
 // Debug listings, in table order: all fields and bits; one element; the bits of one element; names.
 void mfli_print_monitor_table();

@@ -23,7 +23,10 @@ double mfli_convert_time(const mtiTime64T *time);
 // The ticks from `last` to now; negative when `last` lies ahead.
 double mfli_time_in_prev_state(const mtiTime64T *last);
 
-// The ticks of the current time, for messages.
+// The current time by value, for callers that keep no buffer; 0 when the simulator gives no time.
+mtiTime64T mfli_now();
+
+// The ticks of the current time.
 double mfli_current_ticks();
 
 // The ticks from `earlier` to `later`, as mfli_convert_time of mfli_diff_time64 gives them but

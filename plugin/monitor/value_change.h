@@ -10,9 +10,9 @@
 #ifndef WATTFORGE_PLUGIN_MONITOR_VALUE_CHANGE_H
 #define WATTFORGE_PLUGIN_MONITOR_VALUE_CHANGE_H
 
-#include <cstdint>
-
 #include "plugin/monitor/monitor_table.h"
+
+#include <cstdint>
 
 // The functions of the processes klva_track_toggles (parameter: the MonitorElement) and
 // klva_count_toggles (parameter unused).

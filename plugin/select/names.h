@@ -15,7 +15,7 @@
 
 // The position of `index` in the range of `array_type`, -1 for a type without a direction. The
 // caller checks that it lies within the type's length.
-int64_t convert_index_to_position(mtiTypeIdT array_type, int32_t index);
+int64_t convert_index_to_position(mtiTypeIdT array_type, int64_t index);
 
 // The full name of `signal` in its own region.
 char *mfli_get_signal_full_name(mtiSignalIdT signal);

@@ -6,9 +6,9 @@
 
 #include <mti.h>
 
-#include <cstdint>
-
 #include "plugin/support/hash_table.h"
+
+#include <cstdint>
 
 // Policy values. "rtl_on" registers as "on" does and sets the flag that registration passes down.
 enum : int32_t {

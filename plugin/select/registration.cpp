@@ -1,0 +1,255 @@
+// SPDX-License-Identifier: Apache-2.0
+// Walks regions and composites down to scalars and has the simulator report their events.
+#include "plugin/select/registration.h"
+
+#include "plugin/monitor/monitor_table.h"
+#include "plugin/monitor/value_change.h"
+#include "plugin/select/names.h"
+#include "plugin/select/policy.h"
+#include "plugin/support/messages.h"
+#include "plugin/support/run_state.h"
+#include "plugin/support/text.h"
+
+#include <acc_user.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+// Regions that hold nothing to watch. The interface's headers give these codes no names: full types
+// of scopes without nets of their own; packages, subprograms and the scopes inside them.
+static constexpr int skipped_full_types[] = {1011, 1012, 1013};
+static constexpr int skipped_region_kinds[] = {1040, 1080, 1090, 1100};
+
+static bool is_skipped(mtiRegionIdT region) {
+    const auto holds = [](const auto &codes, int code) {
+        return std::find(std::begin(codes), std::end(codes), code) != std::end(codes);
+    };
+    return holds(skipped_full_types, acc_fetch_fulltype(reinterpret_cast<handle>(region))) ||
+           holds(skipped_region_kinds, mti_GetRegionKind(region));
+}
+
+static bool is_scalar_kind(mtiTypeKindT kind) {
+    return kind == MTI_TYPE_SCALAR || kind == MTI_TYPE_ENUM;
+}
+
+static mtiTypeKindT kind_of(mtiSignalIdT signal) {
+    return mti_GetTypeKind(mti_GetSignalType(signal));
+}
+
+static void wake_on_events(mtiProcessIdT process, mtiSignalIdT signal) {
+    mti_Sensitize(process, signal, MTI_EVENT);
+}
+
+static void create_processes(mtiSignalIdT signal, MonitorElement *element) {
+    wake_on_events(
+        mti_CreateProcess(const_cast<char *>("klva_track_toggles"), mfli_process_event, element),
+        signal);
+    wake_on_events(
+        mti_CreateProcessWithPriority(const_cast<char *>("klva_count_toggles"),
+                                      mfli_update_event_count, nullptr, MTI_PROC_POSTPONED),
+        signal);
+}
+
+void register_single_net(mtiSignalIdT signal, const char *name) {
+    void *known = nullptr;
+    if (st_lookup_kptr_vptr(mfli_monitor_table, signal, &known)) {
+        mfli_add_name_to_monitor(name, static_cast<MonitorElement *>(known));
+        return;
+    }
+    MonitorElement *element = mfli_init_monitor_element(signal, name);
+    if (element == nullptr) {
+        mfli_message("Error (KLVA-PWR): Unable to register %s", name);
+        return;
+    }
+    st_insert_kptr_vptr(mfli_monitor_table, signal, element);
+    if (mfli_debug_level > 2) {
+        mfli_message("Registered signal %s", name);
+    }
+    create_processes(signal, element);
+}
+
+static void trace_registration(const char *name, const char *kind) {
+    if (mfli_debug_level > 1) {
+        mfli_message("Registering = %s; %s", name, kind);
+    }
+}
+
+void mfli_register_net(mtiSignalIdT signal, const char *name, int flag) {
+    const mtiTypeIdT type = mti_GetSignalType(signal);
+    if (type == nullptr) {
+        // The message is formatted, but what is printed is the name of its buffer.
+        snprintf(mfli_msg_buf, sizeof mfli_msg_buf,
+                 "Warning (KLVA-PWR): could not determine type for signal %s, skipping", name);
+        mfli_print_text("mfli_msg_buf");
+        return;
+    }
+    switch (mti_GetTypeKind(type)) {
+        case MTI_TYPE_ARRAY:
+            trace_registration(name, "ARRAY");
+            register_array(signal, mti_GetSignalRegion(signal), flag);
+            break;
+        case MTI_TYPE_RECORD:
+            trace_registration(name, "RECORD");
+            register_record(signal, mti_GetSignalRegion(signal), flag);
+            break;
+        case MTI_TYPE_SCALAR:
+        case MTI_TYPE_ENUM:
+            trace_registration(name, "Scalar/Enum");
+            register_single_net(signal, name);
+            break;
+        default:
+            mfli_message("Warning (KLVA-PWR): Not registered signal = %s; INVALID_TYPE", name);
+            break;
+    }
+}
+
+void register_record(mtiSignalIdT signal, mtiRegionIdT region, int flag) {
+    mtiSignalIdT *fields = mti_GetSignalSubelements(signal, nullptr);
+    const int32_t count = mti_TickLength(mti_GetSignalType(signal));
+    for (int32_t i = 0; fields != nullptr && i < count; ++i) {
+        char *name = mfli_get_signal_full_name_indirect(fields[i], region);
+        mfli_register_net(fields[i], name, flag);
+        free(name);
+    }
+    mti_VsimFree(fields);
+}
+
+// A scalar signal under a name that it may have.
+struct Alias {
+    char *name;
+    mtiSignalIdT signal;  // null when the name leads to no scalar
+};
+
+static Alias resolve_alias(char *name) {
+    const mtiSignalIdT signal = mti_FindSignal(name);
+    return {name, signal != nullptr && is_scalar_kind(kind_of(signal)) ? signal : nullptr};
+}
+
+static void register_alias(const Alias &alias) {
+    if (alias.signal != nullptr) {
+        register_single_net(alias.signal, alias.name);
+    }
+}
+
+// An element that is known under a second path, too: the array's own name with the element's index
+// suffix, or with its position.
+static void register_second_path(mtiSignalIdT element, const char *array_name, const char *suffix,
+                                 int32_t position) {
+    char *indexed = mfli_strdup(array_name);
+    mfli_strcat(&indexed, suffix);
+    const Alias by_index = resolve_alias(indexed);
+    const Alias by_position = resolve_alias(mfli_add_index_to_name(array_name, position));
+    if (by_index.signal == element) {
+        register_alias(by_index);
+    } else if (by_position.signal != element) {
+        register_alias(by_index);
+        register_alias(by_position);
+    } else {
+        register_alias(by_position);
+    }
+    free(by_index.name);
+    free(by_position.name);
+}
+
+static void register_array_element(mtiSignalIdT element, mtiRegionIdT region,
+                                   const char *array_name, int32_t position) {
+    char *name = mfli_get_signal_full_name_indirect(element, region);
+    register_single_net(element, name);
+    const int suffix = mfli_last_substring_position(name, "(");
+    // One character less than the whole base name is compared, as it always was: names that differ
+    // in the base's last character alone count as one path.
+    const size_t compared = suffix > 0 ? static_cast<size_t>(suffix) - 1 : 0;
+    if (suffix >= 0 && strncmp(name, array_name, compared) != 0) {
+        register_second_path(element, array_name, name + suffix, position);
+    }
+    free(name);
+}
+
+static void refuse_array(mtiSignalIdT signal, mtiRegionIdT region) {
+    char *name = mfli_get_signal_full_name_indirect(signal, region);
+    if (name == nullptr) {
+        name = mfli_get_signal_full_name(signal);
+    }
+    if (name == nullptr) {
+        mfli_print_text("Error (KLVA-PWR): Unable to register signal");
+    } else {
+        mfli_message("Error (KLVA-PWR): Unable to register %s", name);
+    }
+    free(name);
+}
+
+static void register_scalar_elements(mtiSignalIdT signal, mtiRegionIdT region,
+                                     const mtiSignalIdT *elements, int32_t count) {
+    char *array_name = mfli_get_signal_full_name(signal);
+    for (int32_t i = 0; i < count; ++i) {
+        register_array_element(elements[i], region, array_name, i);
+    }
+    free(array_name);
+}
+
+void register_array(mtiSignalIdT signal, mtiRegionIdT region, int flag) {
+    const mtiTypeIdT type = mti_GetSignalType(signal);
+    const mtiTypeKindT element_kind = mti_GetTypeKind(mti_GetArrayElementType(type));
+    mtiSignalIdT *elements = mti_GetSignalSubelements(signal, nullptr);
+    const int32_t count = elements == nullptr ? 0 : mti_TickLength(type);
+    if (is_scalar_kind(element_kind)) {
+        register_scalar_elements(signal, region, elements, count);
+    } else if (element_kind == MTI_TYPE_ARRAY || element_kind == MTI_TYPE_RECORD) {
+        const auto register_element =
+            element_kind == MTI_TYPE_ARRAY ? register_array : register_record;
+        for (int32_t i = 0; i < count; ++i) {
+            register_element(elements[i], region, flag);
+        }
+    } else {
+        refuse_array(signal, region);
+    }
+    mti_VsimFree(elements);
+}
+
+static void register_signals_of(mtiRegionIdT region, int flag) {
+    for (mtiSignalIdT signal = mti_FirstSignal(region); signal != nullptr;
+         signal = mti_NextSignal()) {
+        char *name = mfli_get_signal_full_name(signal);
+        mfli_register_net(signal, name, flag);
+        free(name);
+    }
+}
+
+void register_region(mtiRegionIdT region) {
+    if (is_skipped(region)) {
+        return;
+    }
+    char *full_name = mti_GetRegionFullName(region);
+    if (mfli_debug_level > 1) {
+        mfli_message("Registering signals in region %s", full_name);
+    }
+    const int32_t policy = mfli_get_policy_for_region(full_name);
+    if (policy == MFLI_POLICY_ON || policy == MFLI_POLICY_RTL_ON) {
+        register_signals_of(region, policy == MFLI_POLICY_RTL_ON ? 1 : 0);
+    }
+    // Whatever the policy: a sub-region may have one of its own.
+    for (mtiRegionIdT lower = mti_FirstLowerRegion(region); lower != nullptr;
+         lower = mti_NextRegion(lower)) {
+        register_region(lower);
+    }
+    mti_VsimFree(full_name);
+}
+
+void register_gate_level_activity(st_table *scope_list) {
+    st_generator *generator = st_init_gen(scope_list);
+    void *region = nullptr;
+    while (st_gen_kptr_vptr(generator, nullptr, &region)) {
+        register_region(static_cast<mtiRegionIdT>(region));
+    }
+    st_free_gen(generator);
+}
+
+void mfli_register_activity(st_table *scope_list) {
+    if (mfli_is_rtl_read()) {
+        register_rtl_activity(scope_list);
+    }
+    register_gate_level_activity(scope_list);
+}
