@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+// The shell's Tcl commands, one source file for each family; Shell's constructor adds them all.
+#ifndef WATTFORGE_HOST_SHELL_COMMANDS_H
+#define WATTFORGE_HOST_SHELL_COMMANDS_H
+
+#include <tcl.h>
+
+#include <string>
+#include <string_view>
+
+namespace wf {
+
+class Shell;
+
+void add_run_commands(Tcl_Interp *interp, Shell &shell);     // run, now
+void add_script_commands(Tcl_Interp *interp, Shell &shell);  // do, transcript, quit, exit, help
+void add_design_commands(Tcl_Interp *interp, Shell &shell);  // find, examine
+
+// The error code that marks a Tcl error as the interrupt key's doing.
+inline constexpr const char *interrupted_error_code = "WFSIM INTERRUPTED";
+
+inline std::string_view text_of(Tcl_Obj *word) {
+    int length = 0;
+    const char *text = Tcl_GetStringFromObj(word, &length);
+    return {text, static_cast<size_t>(length)};
+}
+
+inline Tcl_Obj *new_text(std::string_view text) {
+    return Tcl_NewStringObj(text.data(), static_cast<int>(text.size()));
+}
+
+// Sets the result to `message` and answers TCL_ERROR.
+inline int fail(Tcl_Interp *interp, std::string_view message) {
+    Tcl_SetObjResult(interp, new_text(message));
+    return TCL_ERROR;
+}
+
+inline int fail_interrupted(Tcl_Interp *interp, std::string_view message) {
+    Tcl_SetErrorCode(interp, "WFSIM", "INTERRUPTED", nullptr);
+    return fail(interp, message);
+}
+
+// The words from `first` on with one blank between them.
+std::string join_words(int first, int count, Tcl_Obj *const words[]);
+
+}  // namespace wf
+
+#endif

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+// Decimal digits are kept one by one, so that a vector may be of any width.
+#include "host/shell/radix.h"
+
+#include <algorithm>
+
+namespace wf {
+namespace {
+
+bool is_known(char bit) {
+    return bit == '0' || bit == '1' || bit == 'L' || bit == 'H';
+}
+
+bool is_one(char bit) {
+    return bit == '1' || bit == 'H';
+}
+
+std::string to_hex(std::string_view bits) {
+    std::string text;
+    while (!bits.empty()) {
+        const size_t width = bits.size() % 4 == 0 ? 4 : bits.size() % 4;
+        const std::string_view digit = bits.substr(0, width);
+        unsigned value = 0;
+        for (const char bit : digit) {
+            value = value * 2 + (is_one(bit) ? 1 : 0);
+        }
+        if (std::all_of(digit.begin(), digit.end(), is_known)) {
+            text += "0123456789ABCDEF"[value];
+        } else {
+            text += digit.find_first_not_of('Z') == std::string_view::npos ? 'Z' : 'X';
+        }
+        bits.remove_prefix(width);
+    }
+    return text;
+}
+
+// The bits as they are, or with every bit turned round and one added: the magnitude of a negative.
+std::string to_decimal(std::string_view bits, bool negate) {
+    std::string digits(1, '0');  // the last digit first
+    const auto double_and_add = [&digits](int carry) {
+        for (char &digit : digits) {
+            const int value = (digit - '0') * 2 + carry;
+            digit = static_cast<char>('0' + value % 10);
+            carry = value / 10;
+        }
+        if (carry != 0) {
+            digits += static_cast<char>('0' + carry);
+        }
+    };
+    std::string magnitude;
+    for (const char bit : bits) {
+        magnitude += is_one(bit) != negate ? '1' : '0';
+    }
+    if (negate) {
+        // The sign bit is a 0 by now, so there is one to add to.
+        for (size_t i = magnitude.rfind('0'); i < magnitude.size(); ++i) {
+            magnitude[i] = magnitude[i] == '0' ? '1' : '0';
+        }
+    }
+    for (const char bit : magnitude) {
+        double_and_add(bit == '1' ? 1 : 0);
+    }
+    std::reverse(digits.begin(), digits.end());
+    return negate ? "-" + digits : digits;
+}
+
+}  // namespace
+
+bool parse_radix(std::string_view name, Radix *radix) {
+    struct Name {
+        std::string_view name;
+        Radix radix;
+    };
+    static constexpr Name names[] = {{"binary", Radix::binary},
+                                     {"bin", Radix::binary},
+                                     {"b", Radix::binary},
+                                     {"hexadecimal", Radix::hex},
+                                     {"hex", Radix::hex},
+                                     {"h", Radix::hex},
+                                     {"decimal", Radix::decimal},
+                                     {"dec", Radix::decimal},
+                                     {"d", Radix::decimal},
+                                     {"signed", Radix::decimal},
+                                     {"unsigned", Radix::unsigned_decimal},
+                                     {"u", Radix::unsigned_decimal}};
+    for (const Name &known : names) {
+        if (known.name == name) {
+            *radix = known.radix;
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string in_radix(std::string_view bits, Radix radix) {
+    if (radix == Radix::binary || bits.empty() ||
+        bits.find_first_not_of("UX01ZWLH-") != std::string_view::npos) {
+        return std::string(bits);
+    }
+    if (radix == Radix::hex) {
+        return to_hex(bits);
+    }
+    if (!std::all_of(bits.begin(), bits.end(), is_known)) {
+        return "X";
+    }
+    return to_decimal(bits, radix == Radix::decimal && is_one(bits.front()));
+}
+
+}  // namespace wf

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the transcript says about how a run ended; the same words whether a script asked for the run
+// or the program's one-command form.
+#ifndef WATTFORGE_HOST_SHELL_RUN_NOTES_H
+#define WATTFORGE_HOST_SHELL_RUN_NOTES_H
+
+#include <string>
+
+#include "host/shell/run_control.h"
+
+namespace wf {
+
+class Transcript;
+
+class RunNotes {
+  public:
+    // Both must outlive this.
+    RunNotes(const RunControl &control, Transcript &transcript)
+        : control_(control), transcript_(transcript) {}
+
+    // Says what is worth a line about a run that was to reach `limit`: that the data ended before,
+    // and, the first time, what is wrong with it.
+    void tell(RunEnd end, Ticks limit);
+
+    // "interrupted at 5 us".
+    std::string interruption() const;
+
+  private:
+    const RunControl &control_;
+    Transcript &transcript_;
+    bool damage_told_ = false;
+};
+
+}  // namespace wf
+
+#endif

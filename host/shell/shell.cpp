@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: Apache-2.0
+// Quitting unwinds the interpreter instead of leaving the process from inside a command, so that
+// the host's own clean-up always runs; Tcl's cancellation is what no `catch` can stop.
+#include "host/shell/shell.h"
+
+#include <algorithm>
+
+#include "host/fli/session.h"
+#include "host/shell/commands.h"
+#include "host/shell/interrupt.h"
+#include "host/shell/transcript.h"
+
+namespace wf {
+namespace {
+
+// A command of a plug-in, as Tcl keeps it.
+struct PluginCommand {
+    Session &session;
+    std::string name;
+};
+
+int run_plugin_command(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
+    const auto &command = *static_cast<PluginCommand *>(data);
+    const std::string arguments = join_words(1, count, words);
+    const std::string line = arguments.empty() ? command.name : command.name + " " + arguments;
+    Tcl_ResetResult(interp);
+    command.session.run_command(command.name, line);
+    return TCL_OK;
+}
+
+void delete_plugin_command(ClientData data) {
+    delete static_cast<PluginCommand *>(data);
+}
+
+// Tcl calls this between commands once the handler has been marked.
+int answer_interrupt(ClientData, Tcl_Interp *interp, int code) {
+    if (!take_interrupt()) {
+        return code;
+    }
+    return interp == nullptr ? TCL_ERROR : fail_interrupted(interp, "interrupted");
+}
+
+// Scripts, names and output are UTF-8 whatever the locale says: what stands in a file comes out.
+Tcl_Interp *make_interpreter() {
+    Tcl_Interp *interp = Tcl_CreateInterp();
+    Tcl_SetSystemEncoding(nullptr, "utf-8");
+    return interp;
+}
+
+Transcript &prepared(Transcript &transcript) {
+    Tcl_FindExecutable(nullptr);
+    return transcript;
+}
+
+// The place in the innermost script file that an error trace speaks of: "run.tcl:12", or nothing.
+std::string place_in_file(const std::string &trace) {
+    static constexpr std::string_view opening = "(file \"";
+    static constexpr std::string_view middle = "\" line ";
+    const size_t start = trace.find(opening);
+    if (start == std::string::npos) {
+        return {};
+    }
+    const size_t name = start + opening.size();
+    const size_t name_end = trace.find(middle, name);
+    const size_t number_end = trace.find(')', name_end);
+    if (name_end == std::string::npos || number_end == std::string::npos) {
+        return {};
+    }
+    const size_t number = name_end + middle.size();
+    return trace.substr(name, name_end - name) + ":" + trace.substr(number, number_end - number);
+}
+
+std::string variable(Tcl_Interp *interp, const char *name) {
+    const char *value = Tcl_GetVar(interp, name, TCL_GLOBAL_ONLY);
+    return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
+std::string join_words(int first, int count, Tcl_Obj *const words[]) {
+    std::string text;
+    for (int i = first; i < count; ++i) {
+        text += i > first ? " " : "";
+        text += text_of(words[i]);
+    }
+    return text;
+}
+
+Shell::Shell(const Simulation &simulation)
+    : simulation_(simulation),
+      run_notes_(simulation.control, simulation.transcript),
+      channels_(prepared(simulation.transcript)),
+      interp_(make_interpreter()),
+      interrupt_handler_(Tcl_AsyncCreate(answer_interrupt, nullptr)) {
+    if (Tcl_Init(interp_) != TCL_OK) {
+        simulation_.transcript.print(std::string("Warning: Tcl's library was not found: ") +
+                                     Tcl_GetStringResult(interp_));
+    }
+    // A mistyped command is an error, not a program to look for.
+    Tcl_SetVar(interp_, "auto_noexec", "1", TCL_GLOBAL_ONLY);
+    add_run_commands(interp_, *this);
+    add_script_commands(interp_, *this);
+    add_design_commands(interp_, *this);
+    simulation_.session.on_command(
+        [this](const Command &command) { add_plugin_command(command.name); });
+    on_interrupt([](void *handler) { Tcl_AsyncMark(static_cast<Tcl_AsyncHandler>(handler)); },
+                 interrupt_handler_);
+}
+
+Shell::~Shell() {
+    on_interrupt(nullptr, nullptr);
+    simulation_.session.on_command([](const Command &) {});
+    Tcl_AsyncDelete(interrupt_handler_);
+    Tcl_DeleteInterp(interp_);
+}
+
+void Shell::add_plugin_command(const std::string &name) {
+    Tcl_CreateObjCommand(interp_, name.c_str(), run_plugin_command,
+                         new PluginCommand{simulation_.session, name}, delete_plugin_command);
+}
+
+ScriptEnd Shell::run_file(const std::string &path, const std::vector<std::string> &arguments) {
+    Tcl_Obj *command = Tcl_NewListObj(0, nullptr);
+    Tcl_IncrRefCount(command);
+    Tcl_ListObjAppendElement(nullptr, command, new_text("do"));
+    Tcl_ListObjAppendElement(nullptr, command, new_text(path));
+    for (const std::string &argument : arguments) {
+        Tcl_ListObjAppendElement(nullptr, command, new_text(argument));
+    }
+    const int code = Tcl_EvalObjEx(interp_, command, TCL_EVAL_GLOBAL | TCL_EVAL_DIRECT);
+    Tcl_DecrRefCount(command);
+    return conclude(code, {}, 1);
+}
+
+ScriptEnd Shell::run_text(std::string_view commands, std::string_view origin, int first_line) {
+    const int code =
+        Tcl_EvalEx(interp_, commands.data(), static_cast<int>(commands.size()), TCL_EVAL_GLOBAL);
+    return conclude(code, origin, first_line);
+}
+
+ScriptEnd Shell::conclude(int tcl_code, std::string_view origin, int first_line) {
+    channels_.flush();
+    if (quit_requested_) {
+        return ScriptEnd::quit;
+    }
+    if (tcl_code != TCL_ERROR) {
+        return ScriptEnd::done;
+    }
+    tell_error(origin, first_line);
+    return variable(interp_, "errorCode") == interrupted_error_code ? ScriptEnd::interrupted
+                                                                    : ScriptEnd::failed;
+}
+
+void Shell::tell_error(std::string_view origin, int first_line) {
+    std::string place = place_in_file(variable(interp_, "errorInfo"));
+    if (place.empty() && !origin.empty()) {
+        place =
+            std::string(origin) + ":" + std::to_string(first_line - 1 + Tcl_GetErrorLine(interp_));
+    }
+    simulation_.transcript.print("Error: " + (place.empty() ? "" : place + ": ") +
+                                 Tcl_GetStringResult(interp_));
+}
+
+std::string Shell::result() const {
+    return Tcl_GetStringResult(interp_);
+}
+
+bool Shell::is_complete(const std::string &commands) {
+    return Tcl_CommandComplete(commands.c_str()) != 0;
+}
+
+std::vector<std::string> Shell::command_names(std::string_view prefix) const {
+    std::vector<std::string> names;
+    Tcl_InterpState state = Tcl_SaveInterpState(interp_, TCL_OK);
+    if (Tcl_EvalEx(interp_, "info commands", -1, TCL_EVAL_GLOBAL) == TCL_OK) {
+        int count = 0;
+        Tcl_Obj **words = nullptr;
+        Tcl_ListObjGetElements(nullptr, Tcl_GetObjResult(interp_), &count, &words);
+        for (int i = 0; i < count; ++i) {
+            if (text_of(words[i]).starts_with(prefix)) {
+                names.emplace_back(text_of(words[i]));
+            }
+        }
+    }
+    Tcl_RestoreInterpState(interp_, state);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+void Shell::request_quit(int code) {
+    quit_requested_ = true;
+    quit_code_ = code;
+    Tcl_CancelEval(interp_, nullptr, nullptr, TCL_CANCEL_UNWIND);
+}
+
+}  // namespace wf
