@@ -10,13 +10,12 @@
 
 // Writes the report of everything recorded below `instance` (a full region name) to the stream,
 // with durations in units of 10^unit_exponent seconds. 1 when every byte was handed to the system.
-// 0 when not: errno has the cause of a failed write, and is 0 when nothing was written because the
-// unit was bad (its error line is printed) or memory ran out.
+// 0 when not: errno has the cause, and is 0 when nothing was written because there is no such unit,
+// whose error line is then printed.
 int saif_process(FILE *stream, double unit_exponent, const char *instance);
 
-// Fills every field of the header; what its texts were before is not released. `duration` is in
-// units of 10^unit_exponent seconds. 0, with the unit's error line, when there is no such unit; the
-// header is then unchanged.
+// Fills every field of an initialised header; `duration` is in units of 10^unit_exponent seconds.
+// 0, with the unit's error line, when there is no such unit; the header is then unchanged.
 int init_saif_header(FILE *stream, double duration, double unit_exponent, saif_header *header);
 
 #endif

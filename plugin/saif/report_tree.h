@@ -17,14 +17,16 @@
 // in table order: under its own name, then under each alias, wherever that lies. The first uses the
 // simulator's names; the second the names of the RTL objects that a bit is mapped to, and the
 // simulator's name, with square brackets, for a bit without any.
-void build_saif_tree(const char *instance, SaifTree *tree);
-void build_rtl_saif_tree(const char *instance, SaifTree *tree);
+//
+// All that enter give 1, or 0 when memory ran out and something is missing from the tree.
+int build_saif_tree(const char *instance, SaifTree *tree);
+int build_rtl_saif_tree(const char *instance, SaifTree *tree);
 
 // Enter all bits of one element under one name.
-void insert_subelements_into_saif_tree(const MonitorElement *element, const char *name,
-                                       SaifTree *tree);
-void insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const char *name,
-                                           const char *instance, SaifTree *tree);
+int insert_subelements_into_saif_tree(const MonitorElement *element, const char *name,
+                                      SaifTree *tree);
+int insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const char *name,
+                                          const char *instance, SaifTree *tree);
 
 // The RtlObjects mapped to a bit and the testbench path under which they stand; null without any.
 // Both results belong to the RTL table.
@@ -32,8 +34,8 @@ list *get_gate_name_list(const char *bit_name, const char **path_key);
 
 // Enters one RTL object with a bit's activity: an ordinary one as a port, a sequential or tri-state
 // one as a port of the virtual instance that its path names.
-void add_to_rtl_saif_tree(const RtlObject *object, const char *path_key, const char *instance,
-                          saif_switching_attribute *switching, SaifTree *tree);
+int add_to_rtl_saif_tree(const RtlObject *object, const char *path_key, const char *instance,
+                         saif_switching_attribute *switching, SaifTree *tree);
 
 // 1 for a signal of mode in, out or inout.
 int signal_is_port(mtiSignalIdT signal);

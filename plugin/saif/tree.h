@@ -58,7 +58,7 @@ struct SaifPath {
     SaifPathLevel *levels;
     size_t depth;
     size_t depth_capacity;
-    int divider;
+    char divider;
 };
 
 struct SaifTree {

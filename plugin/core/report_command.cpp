@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: Apache-2.0
+// toggle_report: arguments, file, closing message.
+#include "plugin/core/report_command.h"
+
+#include <mti.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "plugin/core/arguments.h"
+#include "plugin/core/order.h"
+#include "plugin/monitor/sim_time.h"
+#include "plugin/saif/report.h"
+#include "plugin/saif/time_units.h"
+#include "plugin/support/messages.h"
+#include "plugin/support/run_state.h"
+#include "plugin/support/text.h"
+
+static int read_file_name(const char *argument, char **file_name) {
+    if (argument[0] == '\0') {
+        mfli_print_text("Error (KLVA-PWR): output filename empty");
+        return 0;
+    }
+    *file_name = mfli_strdup(argument);
+    return *file_name != nullptr;
+}
+
+static int read_unit(const char *argument, double *unit_exponent) {
+    const double unit = strtod(argument, nullptr);
+    if (unit == 0.0) {
+        mfli_message("Error (KLVA-PWR): Could not interpret argument %s as number", argument);
+        return 0;
+    }
+    if (unit < 0.0) {
+        mfli_print_text("Error (KLVA-PWR): The synthesis time unit must be positive");
+        return 0;
+    }
+    // Towards zero, whatever the unit: 5.0e-9 counts as 1.0e-8.
+    *unit_exponent = trunc(log10(unit));
+    return 1;
+}
+
+static int read_instance(char *argument, char **instance_name) {
+    mtiRegionIdT region = mti_FindRegion(argument);
+    if (region == nullptr) {
+        mfli_message("Error (KLVA-PWR): Invalid instance_str %s; no region of this name found",
+                     argument);
+        return 0;
+    }
+    char *full_name = mti_GetRegionFullName(region);
+    *instance_name = mfli_strdup(full_name);
+    mti_VsimFree(full_name);
+    return *instance_name != nullptr;
+}
+
+static char *argument_at(list *arguments, int position) {
+    return static_cast<char *>(list_get_nth_item(arguments, position));
+}
+
+int check_toggle_report_args(const char *command_line, char **file_name, double *unit_exponent,
+                             char **instance_name) {
+    *file_name = nullptr;
+    *instance_name = nullptr;
+    int good = 0;
+    list *arguments = mfli_parse_cmd_args(command_line, "toggle_report");
+    if (arguments->length < 3) {
+        mfli_print_text("Error (KLVA-PWR): toggle_report requires at least three arguments");
+    } else {
+        // A fourth argument alone is ignored without a word.
+        if (arguments->length > 4) {
+            mfli_print_text(
+                "Warning (KLVA-PWR): toggle_report takes only three arguments, all the rest will "
+                "be ignored");
+        }
+        good = read_file_name(argument_at(arguments, 0), file_name) &&
+               read_unit(argument_at(arguments, 1), unit_exponent) &&
+               read_instance(argument_at(arguments, 2), instance_name);
+    }
+    list_free(arguments, list_data_free);
+    if (good) return 1;
+    free(*file_name);
+    *file_name = nullptr;
+    return 0;
+}
+
+// Removes what a failed report left behind, so that nobody takes it for a whole one. Only a regular
+// file that still is the one that was opened: the name may be a device, a pipe or a link.
+static int remove_partial_file(const char *file_name, const struct stat *opened) {
+    struct stat found;
+    if (lstat(file_name, &found) != 0) return 1;
+    if (!S_ISREG(opened->st_mode)) return 1;
+    if (found.st_dev != opened->st_dev || found.st_ino != opened->st_ino) return 0;
+    return unlink(file_name) == 0;
+}
+
+static void report_failure(const char *file_name, const struct stat *opened, int cause) {
+    const int gone = remove_partial_file(file_name, opened);
+    if (cause == 0) return;  // there is no such unit, and that was said
+    mfli_message("Error (KLVA-PWR): Could not write file %s: %s%s", file_name, strerror(cause),
+                 gone ? "" : "; what it holds is not complete");
+}
+
+// Writes and closes. 1, or 0 with errno as saif_process gives it.
+static int write_and_close(FILE *stream, double unit_exponent, const char *instance) {
+    static char buffer[256 * 1024];
+    setvbuf(stream, buffer, _IOFBF, sizeof buffer);
+    const int written = saif_process(stream, unit_exponent, instance);
+    const int cause = errno;
+    const int closed = fclose(stream) == 0;
+    if (!written) errno = cause;
+    return written && closed;
+}
+
+static void write_report(const char *file_name, double unit_exponent, const char *instance) {
+    // Before the file is opened: a bad unit must not cost the user an earlier report.
+    const char *unit = nullptr;
+    double multiplier = 0.0;
+    if (!convert_time_to_printing_units(unit_exponent, &unit, &multiplier)) return;
+    FILE *stream = fopen(file_name, "w");
+    if (stream == nullptr) {
+        mfli_message("Error (KLVA-PWR): Could not open filename %s for writing", file_name);
+        return;
+    }
+    struct stat opened = {};
+    fstat(fileno(stream), &opened);
+    if (!write_and_close(stream, unit_exponent, instance)) {
+        report_failure(file_name, &opened, errno);
+        return;
+    }
+    mfli_set_toggle_report_status();
+    mfli_message("Information (KLVA-PWR): Report done, wrote file \"%s\" at time %f", file_name,
+                 mfli_current_ticks());
+}
+
+void mfli_report(void *command_line) {
+    if (!mfli_check_toggle_report_starting_point()) return;
+    char *file_name = nullptr;
+    char *instance = nullptr;
+    double unit_exponent = 0.0;
+    if (!check_toggle_report_args(static_cast<const char *>(command_line), &file_name,
+                                  &unit_exponent, &instance)) {
+        return;
+    }
+    write_report(file_name, unit_exponent, instance);
+    free(file_name);
+    free(instance);
+}

@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: Apache-2.0
+// From the monitor table to the writer's tree, and the records of ports, nets and instances.
+#include "plugin/saif/report_tree.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "plugin/saif/fixed_text.h"
+#include "plugin/saif/writer.h"
+#include "plugin/support/hash_table.h"
+#include "plugin/support/messages.h"
+#include "plugin/support/text.h"
+
+// The outermost instance of a forward file is taken to have a name of three characters, "top": the
+// table's names are looked up under it, and object names lose as many characters.
+static char rtl_prefix[] = "top";
+static constexpr size_t RTL_PREFIX_LENGTH = sizeof rtl_prefix - 1;
+
+int signal_is_port(mtiSignalIdT signal) {
+    const mtiDirectionT mode = mti_GetSignalMode(signal);
+    return mode == MTI_DIR_IN || mode == MTI_DIR_OUT || mode == MTI_DIR_INOUT;
+}
+
+// The name of bit `i`, owned by the caller: an element of one bit has no index.
+static char *bit_name(const MonitorElement *element, const char *name, int32_t i) {
+    return element->width == 1 ? mfli_strdup(name) : mfli_add_index_to_name(name, i);
+}
+
+int insert_subelements_into_saif_tree(const MonitorElement *element, const char *name,
+                                      SaifTree *tree) {
+    const int is_port = signal_is_port(element->signal);
+    int complete = 1;
+    for (int32_t i = 0; i < element->width; i++) {
+        char *bit = bit_name(element, name, i);
+        if (bit == nullptr) return 0;
+        mfli_convert_squareb_to_paren(bit);
+        complete &=
+            saifout_insert_port_net_full_hier(bit, element->bits[i]->switching, is_port, tree);
+        free(bit);
+    }
+    return complete;
+}
+
+// The objects under "top" and the part of the bit's name below the testbench.
+static list *find_objects(st_table *objects, const char *rest) {
+    char *key = mfli_add_path_to_name(rest, rtl_prefix, 0);
+    if (key == nullptr) return nullptr;
+    mfli_convert_paren_to_squareb(key);
+    void *found = nullptr;
+    const int known = st_lookup_kptr_vptr(objects, key, &found);
+    free(key);
+    return known ? static_cast<list *>(found) : nullptr;
+}
+
+list *get_gate_name_list(const char *bit_name, const char **path_key) {
+    if (mfli_rtl_table == nullptr) return nullptr;
+    list *found = nullptr;
+    void *key = nullptr;
+    void *objects = nullptr;
+    st_generator *entries = st_init_gen(mfli_rtl_table);
+    while (found == nullptr && st_gen_kptr_vptr(entries, &key, &objects)) {
+        const auto *path = static_cast<const char *>(key);
+        const size_t length = strlen(path);
+        if (strncmp(bit_name, path, length) != 0) continue;
+        found = find_objects(static_cast<st_table *>(objects), bit_name + length);
+        *path_key = path;
+    }
+    st_free_gen(entries);
+    return found;
+}
+
+// The node of a virtual instance. One that was made on the way to another keeps its place and
+// becomes virtual; one that is virtual already stays what it is.
+static SaifTreeNode *virtual_instance(const char *path, int32_t kind, SaifTree *tree) {
+    void *info = reinterpret_cast<void *>(static_cast<intptr_t>(kind));
+    SaifTreeNode *node = saifout_find_node(path, '/', tree);
+    if (node == nullptr) return saifout_create_node(path, '/', info, nullptr, tree);
+    if (node->node_info == nullptr) saifout_insert_node_info_at_this_level(node, info);
+    return node;
+}
+
+static int add_virtual_port(const char *full_name, int32_t kind,
+                            saif_switching_attribute *switching, SaifTree *tree) {
+    char *path = nullptr;
+    char *leaf = nullptr;
+    if (!mfli_split_path_and_name(full_name, &path, &leaf)) return 1;
+    dstring *name = string_alloc(leaf);
+    const int entered = saifout_insert_port_net_at_this_level(virtual_instance(path, kind, tree),
+                                                              name, switching, 1);
+    string_free(name);
+    free(path);
+    free(leaf);
+    return entered;
+}
+
+// An object is reported under its second full name, the one that begins with the outermost instance
+// of the forward file: less that instance's three characters it begins with '/', so it is put
+// straight behind the testbench path, as registration does with the first name.
+int add_to_rtl_saif_tree(const RtlObject *object, const char *path_key, const char *,
+                         saif_switching_attribute *switching, SaifTree *tree) {
+    if (string_len(object->second_full_name) < RTL_PREFIX_LENGTH) return 1;
+    const char *below_top = string_to_char(object->second_full_name) + RTL_PREFIX_LENGTH;
+    char *full_name = mfli_add_path_to_name(below_top, path_key, 0);
+    if (full_name == nullptr) return 0;
+    int complete = 1;
+    if (object->kind == RTL_ORDINARY) {
+        complete = saifout_insert_port_net_full_hier(full_name, switching, 1, tree);
+    } else if (object->kind == RTL_SEQUENTIAL || object->kind == RTL_TRI_STATE) {
+        complete = add_virtual_port(full_name, object->kind, switching, tree);
+    }
+    free(full_name);
+    return complete;
+}
+
+static int add_all_objects(list *objects, const char *path_key, const char *instance,
+                           saif_switching_attribute *switching, SaifTree *tree) {
+    int complete = 1;
+    for (list_walk walk(objects); walk; walk.step()) {
+        const auto *object = static_cast<const RtlObject *>(walk.item());
+        complete &= add_to_rtl_saif_tree(object, path_key, instance, switching, tree);
+    }
+    return complete;
+}
+
+int insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const char *name,
+                                          const char *instance, SaifTree *tree) {
+    const int is_port = signal_is_port(element->signal);
+    int complete = 1;
+    for (int32_t i = 0; i < element->width; i++) {
+        saif_switching_attribute *switching = element->bits[i]->switching;
+        char *bit = bit_name(element, name, i);
+        if (bit == nullptr) return 0;
+        const char *path_key = nullptr;
+        list *objects = get_gate_name_list(bit, &path_key);
+        if (objects != nullptr) {
+            complete &= add_all_objects(objects, path_key, instance, switching, tree);
+        } else {
+            // Unlike in the gate-level tree, an unmatched bit is written with square brackets.
+            mfli_convert_paren_to_squareb(bit);
+            complete &= saifout_insert_port_net_full_hier(bit, switching, is_port, tree);
+        }
+        free(bit);
+    }
+    return complete;
+}
+
+typedef int (*EnterElement)(const MonitorElement *element, const char *name, const char *instance,
+                            SaifTree *tree);
+
+static int enter_under_gate_name(const MonitorElement *element, const char *name, const char *,
+                                 SaifTree *tree) {
+    return insert_subelements_into_saif_tree(element, name, tree);
+}
+
+static int enter_under_all_names(const MonitorElement *element, const char *instance,
+                                 SaifTree *tree, EnterElement enter) {
+    int complete = enter(element, element->name, instance, tree);
+    for (list_walk walk(element->aliases); walk; walk.step()) {
+        complete &= enter(element, static_cast<const char *>(walk.item()), instance, tree);
+    }
+    return complete;
+}
+
+static int enter_all_elements(const char *instance, SaifTree *tree, EnterElement enter) {
+    if (mfli_monitor_table == nullptr) return 1;
+    int complete = 1;
+    void *value = nullptr;
+    st_generator *elements = st_init_gen(mfli_monitor_table);
+    while (st_gen_kptr_vptr(elements, nullptr, &value)) {
+        const auto *element = static_cast<const MonitorElement *>(value);
+        if (element == nullptr || !mfli_first_in_second_region(element->name, instance)) continue;
+        complete &= enter_under_all_names(element, instance, tree, enter);
+    }
+    st_free_gen(elements);
+    return complete;
+}
+
+int build_saif_tree(const char *instance, SaifTree *tree) {
+    if (mfli_debug_level > 1) mfli_print_text("Starting build_saif_tree");
+    const int complete = enter_all_elements(instance, tree, enter_under_gate_name);
+    if (mfli_debug_level > 1) mfli_print_text("Ending build_saif_tree");
+    return complete;
+}
+
+int build_rtl_saif_tree(const char *instance, SaifTree *tree) {
+    if (mfli_debug_level > 1) {
+        mfli_print_text("Starting build_rtl_saif_tree");
+        mfli_print_rtl_table();
+    }
+    const int complete = enter_all_elements(instance, tree, insert_rtl_subelements_into_saif_tree);
+    if (mfli_debug_level > 1) mfli_print_text("Ending build_rtl_saif_tree");
+    return complete;
+}
+
+// Appends a text, a value as "%f" does; each returns the new end.
+static char *put_text(char *at, const char *text) {
+    const size_t length = strlen(text);
+    memcpy(at, text, length);
+    return at + length;
+}
+
+static char *put_value(char *at, const char *before, double value) {
+    at = put_text(at, before);
+    return at + saif_format_fixed(at, value);
+}
+
+static void write_line(FILE *stream, const char *line, char *end) {
+    end = put_text(end, ")\n");
+    fwrite(line, 1, static_cast<size_t>(end - line), stream);
+}
+
+static void print_timing(FILE *stream, const saif_timing_attribute *timing, double scale) {
+    char line[3 * FIXED_TEXT_SIZE + 32];
+    char *end = put_value(line, "(T0 ", timing->t0 * scale);
+    end = put_value(end, ") (T1 ", timing->t1 * scale);
+    end = put_value(end, ") (TX ", timing->tx * scale);
+    write_line(stream, line, end);
+}
+
+static void print_toggles(FILE *stream, const saif_toggle_attribute *toggle) {
+    char line[2 * FIXED_TEXT_SIZE + 32];
+    char *end = put_value(line, "(TC ", toggle->tc);
+    end = put_value(end, ") (IG ", toggle->ig);
+    write_line(stream, line, end);
+}
+
+void net_print(FILE *stream, const dstring *name, void *switching, double scale, int indentation) {
+    const auto *record = static_cast<const saif_switching_attribute *>(switching);
+    saif_write_blanks(stream, indentation);
+    putc('(', stream);
+    fputs(string_to_char(name), stream);
+    putc('\n', stream);
+    // The blanks of a line whose record is missing are written all the same.
+    saif_write_blanks(stream, indentation + 3);
+    if (record->timing != nullptr) print_timing(stream, record->timing, scale);
+    saif_write_blanks(stream, indentation + 3);
+    if (record->toggle != nullptr) print_toggles(stream, record->toggle);
+    saif_write_blanks(stream, indentation);
+    fputs(")\n", stream);
+}
+
+void node_print(FILE *stream, const dstring *name, void *node_info, int *indentation) {
+    const auto kind = static_cast<int32_t>(reinterpret_cast<intptr_t>(node_info));
+    const char *opening = "(INSTANCE ";
+    if (kind == RTL_SEQUENTIAL) opening = "(VIRTUAL_INSTANCE \"sequential\" ";
+    if (kind == RTL_TRI_STATE) opening = "(VIRTUAL_INSTANCE \"tri-state\" ";
+    saif_write_blanks(stream, *indentation);
+    fprintf(stream, "%s%s\n", opening, string_to_char(name));
+    *indentation += 3;
+}
