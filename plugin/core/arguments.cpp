@@ -68,11 +68,9 @@ list *mfli_parse_cmd_args(const char *line, const char *name) {
     list *arguments = mfli_parse_args(mfli_strip_cmd_name(line, name));
     if (mfli_debug_level >= 3) {
         mfli_message("Printing args for command %s:", name);
-        list_gen_init(arguments);
-        for (list_handle *h = arguments->head; h != nullptr; h = list_next_handle_safe(h)) {
-            mfli_print_text(static_cast<const char *>(h->data));
+        for (list_walk walk(arguments); walk; walk.step()) {
+            mfli_print_text(static_cast<const char *>(walk.item()));
         }
-        list_gen_fini(arguments);
     }
     return arguments;
 }

@@ -49,9 +49,8 @@ static void set_region_policy(const char *argument, int32_t policy) {
 // Keywords change the policy for the regions behind them; only the first argument must be one.
 static void apply_arguments(list *arguments) {
     int32_t policy = MFLI_POLICY_NONE;
-    list_gen_init(arguments);
-    for (list_handle *h = arguments->head; h != nullptr; h = list_next_handle_safe(h)) {
-        const char *argument = static_cast<const char *>(h->data);
+    for (list_walk walk(arguments); walk; walk.step()) {
+        const char *argument = static_cast<const char *>(walk.item());
         const int32_t keyword = policy_of_keyword(argument);
         if (keyword != MFLI_POLICY_NONE) {
             policy = keyword;
@@ -60,10 +59,9 @@ static void apply_arguments(list *arguments) {
         } else {
             // Names two of the three keywords.
             mfli_print_text("Error (KLVA-PWR): First argument must be \"on\" or \"off\"");
-            break;
+            return;
         }
     }
-    list_gen_fini(arguments);
 }
 
 void mfli_policy(void *command_line) {

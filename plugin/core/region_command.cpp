@@ -48,11 +48,9 @@ static bool resolve_argument(const char *argument, st_table *scope_list) {
 static bool register_arguments(list *arguments) {
     st_table *scope_list = create_scope_list();
     bool found = false;
-    list_gen_init(arguments);
-    for (list_handle *h = arguments->head; h != nullptr; h = list_next_handle_safe(h)) {
-        found |= resolve_argument(static_cast<const char *>(h->data), scope_list);
+    for (list_walk walk(arguments); walk; walk.step()) {
+        found |= resolve_argument(static_cast<const char *>(walk.item()), scope_list);
     }
-    list_gen_fini(arguments);
     if (st_count(scope_list) > 0) {
         mfli_register_activity(scope_list);
     }

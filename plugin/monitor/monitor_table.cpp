@@ -78,13 +78,12 @@ void free_saif_switching_struct(saif_switching_attribute *record) {
 }
 
 static bool holds_text(list *texts, const char *text) {
-    bool found = false;
-    list_gen_init(texts);
-    for (list_handle *h = texts->head; h != nullptr && !found; h = list_next_handle_safe(h)) {
-        found = strcmp(static_cast<const char *>(h->data), text) == 0;
+    for (list_walk walk(texts); walk; walk.step()) {
+        if (strcmp(static_cast<const char *>(walk.item()), text) == 0) {
+            return true;
+        }
     }
-    list_gen_fini(texts);
-    return found;
+    return false;
 }
 
 void mfli_add_name_to_monitor(const char *name, MonitorElement *element) {

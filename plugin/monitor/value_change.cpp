@@ -126,9 +126,8 @@ void update_saif_sa(MonitorElement *element, const mtiTime64T *now) {
 
 static void update_changed_elements() {
     const mtiTime64T now = mfli_now();
-    list_gen_init(changed_list);
-    for (list_handle *h = changed_list->head; h != nullptr; h = list_next_handle_safe(h)) {
-        auto *element = static_cast<MonitorElement *>(h->data);
+    for (list_walk walk(changed_list); walk; walk.step()) {
+        auto *element = static_cast<MonitorElement *>(walk.item());
         // Clear when a window was opened, closed or reset since the event.
         if (element->dirty == 0) {
             continue;
@@ -137,7 +136,6 @@ static void update_changed_elements() {
         *element->last_change = now;
         element->dirty = 0;
     }
-    list_gen_fini(changed_list);
 }
 
 void mfli_update_event_count(void *) {

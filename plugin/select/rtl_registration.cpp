@@ -48,10 +48,7 @@ static void cut_behind_signal(char *name, mtiSignalIdT signal) {
     }
     const int position = mfli_last_substring_position(name, indirect);
     if (position >= 0) {
-        const size_t end = static_cast<size_t>(position) + strlen(indirect);
-        if (name[end] != '\0') {
-            name[end] = '\0';
-        }
+        name[static_cast<size_t>(position) + strlen(indirect)] = '\0';
     }
     mti_VsimFree(indirect);
 }
