@@ -112,13 +112,14 @@ class Design {
         return declarations_[declared(signal)->index];
     }
     Slot grow_storage(Slot slots, uint8_t fill);
-    void fill_defaults(const Type *type, uint8_t *bytes);
-    void list_signal(Region *region, Signal *signal, std::string_view name, bool renamed);
+    static void fill_defaults(const Type *type, uint8_t *bytes);
+    static void list_signal(Region *region, Signal *signal, std::string_view name);
     std::string_view listed_name(const Region *region, uint32_t position) const;
     Region *walk_regions(Region *from, std::string_view path);
     Signal *walk_signal(Region *from, std::string_view path, bool exact);
     Signal *find_path(std::string_view path, bool exact);
     Signal *find_in_region(Region *region, std::string_view name, bool exact);
+    Signal *find_part(Signal *signal, std::string_view suffix, bool exact);
     Signal *select(Signal *signal, std::string_view suffix);
 
     Arena<Region> regions_;

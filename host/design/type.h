@@ -3,8 +3,9 @@
 // design's storage one object of it takes; it knows nothing of objects or values.
 #pragma once
 
+#include "host/design/arena.h"
+
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -51,6 +52,7 @@ struct Type {
     int32_t right = 0;   //
     int64_t length = 0;  // elements, literals, fields or values of an integer; 0 for other kinds
     Slot slots = 0;
+    bool starts_at_zero = true;         // the leftmost value is all bytes zero
     const Type *element = nullptr;      // an array's
     std::vector<std::string> literals;  // as written: character literals with their quotes
     std::vector<char *> literal_texts;  // the same, as the interface hands them out
@@ -100,7 +102,7 @@ class TypeTable {
     const Type *record(std::string_view name, std::vector<Field> fields);
 
     // Whether this is the address of one of the table's types; any address may be asked for.
-    bool contains(const void *type) const;
+    bool contains(const void *type) const { return types_.contains(type); }
 
   private:
     struct ArrayKey {
@@ -115,8 +117,7 @@ class TypeTable {
 
     Type *add(TypeKind kind, std::string_view name, Slot slots);
 
-    std::deque<Type> types_;
-    std::unordered_map<const void *, const Type *> known_;
+    Arena<Type> types_;
     std::unordered_map<ArrayKey, const Type *, ArrayHash> arrays_;
     const Type *std_logic_;
     const Type *bit_;

@@ -45,7 +45,8 @@ class Session {
     // library needs and this simulator lacks is named.
     std::string load_plugin(const std::string &function, const std::string &library);
     // Calls the init function of a plug-in that is part of the program.
-    void start_plugin(void (*init)(mtiRegionIdT, char *, mtiInterfaceListT *, mtiInterfaceListT *));
+    using InitFunction = void (*)(mtiRegionIdT, char *, mtiInterfaceListT *, mtiInterfaceListT *);
+    static void start_plugin(InitFunction init);
 
     // The registered commands in the order of registration. A command registered again replaces the
     // function.
@@ -85,6 +86,8 @@ class Session {
     } cursor;
 
   private:
+    static void trace_wake(void *session, const Process &process);
+
     struct QuitCallback {
         mtiVoidFuncPtrT function;
         void *parameter;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/design/design.h"
+#include "host/design/name_index.h"
 #include "host/kernel/process.h"
 
 namespace wf {
@@ -99,9 +100,9 @@ class Kernel {
                             Priority priority = Priority::normal);
     // Makes the process wake with the signal: with every leaf of a composite.
     void sensitize(Process *process, const Signal &signal, Trigger trigger = Trigger::event);
-    bool is_process(const void *handle) const;
+    bool is_process(const void *handle) const { return index_of(handle) != 0; }
     const std::string &name_of(const Process &process) const { return names_[process.name]; }
-    uint32_t process_count() const { return process_count_; }
+    uint32_t process_count() const { return next_process_ - first_process; }
     // Whether anybody watches one of these slots. The answer holds while watch_version() stays the
     // same; a source may then leave out the parsing of a value that nobody sees but the slots.
     bool watched(Slot first, uint32_t count) const;
@@ -129,8 +130,8 @@ class Kernel {
     }
     void enqueue(Slot slot, uint32_t head) {
         heads_[slot] = head | queued_mark;
-        if (changed_count_ == changed_.size()) [[unlikely]] {
-            grow_changed();
+        if (changed_count_ == changed_capacity_) [[unlikely]] {
+            reserve_changed(changed_count_ + 1);
         }
         changed_[changed_count_++] = slot;
     }
@@ -142,48 +143,62 @@ class Kernel {
     template <bool traced>
     void run_immediate(uint32_t from, uint32_t end);
     template <bool traced>
-    void wake_slot(Slot slot, bool first_delta);
+    void wake_slot(Slot slot, bool is_first_delta);
     template <bool traced>
     void run_postponed();
     template <bool traced>
     void run(Process &process);
-    void postpone(uint32_t index, bool first_delta);
+    void postpone(uint32_t index, bool is_first_delta);
     bool already_woken(Process &process);
     void next_delta();
-    void grow_changed();
+    void reserve_changed(uint32_t count);
 
-    void watch_slot(Process *process, uint32_t index, Slot slot);
-    void watch_leaves(Process *process, uint32_t index, const Type &type, Slot first);
+    void watch_slot(uint32_t process, Slot slot);
+    void watch_leaves(uint32_t process, const Type &type, Slot first);
     uint32_t intern_name(std::string_view name);
-    uint32_t index_of(const Process *process) const;
+    uint32_t index_of(const void *process) const;
     Process &process_at(uint32_t index) { return blocks_[index >> block_bits][index & block_mask]; }
-    uint32_t &next_link(uint32_t link);
-    uint32_t process_of(uint32_t link) const;
+    uint32_t &next_link(uint32_t link) {
+        return (link & 1U) != 0 ? nodes_[link >> 1].next : process_at(link >> 1).next;
+    }
+    uint32_t process_of(uint32_t link) const {
+        return (link & 1U) != 0 ? nodes_[link >> 1].process : link >> 1;
+    }
 
     static constexpr uint32_t block_bits = 16;
     static constexpr uint32_t block_mask = (1U << block_bits) - 1;
+    // An even number, so that two processes made one after the other share a cache line.
+    static constexpr uint32_t first_process = 2;
+    static constexpr uint32_t process_limit = 1U << 30;
     struct BlockFree {
         void operator()(Process *block) const;
+    };
+    struct HeapFree {
+        void operator()(uint32_t *heads) const;
     };
 
     // The hot ones first.
     uint8_t *values_ = nullptr;
-    uint32_t *heads_ = nullptr;
+    std::unique_ptr<uint32_t[], HeapFree> heads_;
+    std::unique_ptr<Slot[]> changed_;  // the queue of changed slots
     uint32_t changed_count_ = 0;
-    uint32_t delta_ = 0;
+    uint32_t changed_capacity_ = 0;  // at least as many as slots that are watched
+    uint32_t delta_ = 0;             // numbers the delta cycles
     Ticks now_ = 0;
-    std::vector<Slot> changed_;        // the first changed_count_ are the queue
-    std::vector<uint32_t> postponed_;  // processes
+    std::vector<uint32_t> postponed_;  // the queue of processes that wait for the step's end
     std::vector<std::unique_ptr<Process[], BlockFree>> blocks_;
-    std::vector<WatchNode> nodes_;
-    uint32_t process_count_ = 0;
+    std::vector<WatchNode> nodes_{1};
+    uint32_t next_process_ = first_process;
     uint32_t immediate_count_ = 0;
+    uint32_t postponed_count_ = 0;
+    uint32_t watched_slots_ = 0;
     uint32_t watch_version_ = 0;
-    bool running_postponed_ = false;
-    std::vector<uint32_t> head_storage_;
+    Slot head_capacity_ = 0;
+    Slot slots_ = 0;
     Tracer tracer_ = nullptr;
     void *tracer_context_ = nullptr;
     std::vector<std::string> names_;
+    NameIndex name_index_;
     Design &design_;
 };
 

@@ -42,6 +42,9 @@ class MemorySimulator {
     explicit MemorySimulator(int resolution_exponent = -9);
 
   private:
+    void set_scalar(const Signal &signal, std::string_view value);
+    void set_number(const Signal &signal, int64_t value);
+
     Design design_;
     Kernel kernel_;
     RecordingConsole console_;
