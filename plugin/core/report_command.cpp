@@ -3,14 +3,6 @@
 #include "plugin/core/report_command.h"
 
 #include <mti.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 
 #include "plugin/core/arguments.h"
 #include "plugin/core/order.h"
@@ -20,6 +12,15 @@
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 static int read_file_name(const char *argument, char **file_name) {
     if (argument[0] == '\0') {
@@ -82,7 +83,9 @@ int check_toggle_report_args(const char *command_line, char **file_name, double 
                read_instance(argument_at(arguments, 2), instance_name);
     }
     list_free(arguments, list_data_free);
-    if (good) return 1;
+    if (good) {
+        return 1;
+    }
     free(*file_name);
     *file_name = nullptr;
     return 0;
@@ -92,15 +95,23 @@ int check_toggle_report_args(const char *command_line, char **file_name, double 
 // file that still is the one that was opened: the name may be a device, a pipe or a link.
 static int remove_partial_file(const char *file_name, const struct stat *opened) {
     struct stat found;
-    if (lstat(file_name, &found) != 0) return 1;
-    if (!S_ISREG(opened->st_mode)) return 1;
-    if (found.st_dev != opened->st_dev || found.st_ino != opened->st_ino) return 0;
+    if (lstat(file_name, &found) != 0) {
+        return 1;
+    }
+    if (!S_ISREG(opened->st_mode)) {
+        return 1;
+    }
+    if (found.st_dev != opened->st_dev || found.st_ino != opened->st_ino) {
+        return 0;
+    }
     return unlink(file_name) == 0;
 }
 
 static void report_failure(const char *file_name, const struct stat *opened, int cause) {
     const int gone = remove_partial_file(file_name, opened);
-    if (cause == 0) return;  // there is no such unit, and that was said
+    if (cause == 0) {
+        return;  // there is no such unit, and that was said
+    }
     mfli_message("Error (KLVA-PWR): Could not write file %s: %s%s", file_name, strerror(cause),
                  gone ? "" : "; what it holds is not complete");
 }
@@ -112,7 +123,9 @@ static int write_and_close(FILE *stream, double unit_exponent, const char *insta
     const int written = saif_process(stream, unit_exponent, instance);
     const int cause = errno;
     const int closed = fclose(stream) == 0;
-    if (!written) errno = cause;
+    if (!written) {
+        errno = cause;
+    }
     return written && closed;
 }
 
@@ -120,7 +133,9 @@ static void write_report(const char *file_name, double unit_exponent, const char
     // Before the file is opened: a bad unit must not cost the user an earlier report.
     const char *unit = nullptr;
     double multiplier = 0.0;
-    if (!convert_time_to_printing_units(unit_exponent, &unit, &multiplier)) return;
+    if (!convert_time_to_printing_units(unit_exponent, &unit, &multiplier)) {
+        return;
+    }
     FILE *stream = fopen(file_name, "w");
     if (stream == nullptr) {
         mfli_message("Error (KLVA-PWR): Could not open filename %s for writing", file_name);
@@ -138,7 +153,9 @@ static void write_report(const char *file_name, double unit_exponent, const char
 }
 
 void mfli_report(void *command_line) {
-    if (!mfli_check_toggle_report_starting_point()) return;
+    if (!mfli_check_toggle_report_starting_point()) {
+        return;
+    }
     char *file_name = nullptr;
     char *instance = nullptr;
     double unit_exponent = 0.0;

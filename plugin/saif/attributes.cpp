@@ -108,7 +108,9 @@ void saif_init_lib_attribute(saif_lib_attribute *record) {
 }
 
 void saif_free_lib_attribute_struct(saif_lib_attribute *record) {
-    for (dstring *text : record->text) string_free(text);
+    for (dstring *text : record->text) {
+        string_free(text);
+    }
     free(record);
 }
 
@@ -128,7 +130,9 @@ void saif_init_path_attribute(saif_path_attribute *record) {
 }
 
 void saif_free_path_attribute_struct(saif_path_attribute *record) {
-    if (record->paths != nullptr) saif_list_free(record->paths);
+    if (record->paths != nullptr) {
+        saif_list_free(record->paths);
+    }
     free(record);
 }
 
@@ -166,7 +170,11 @@ void saif_init_state_simple_attribute(saif_state_simple_attribute *record) {
 }
 
 void saif_free_state_simple_attribute_struct(saif_state_simple_attribute *record) {
-    if (record->toggle != nullptr) saif_free_toggle_attribute_struct(record->toggle);
-    if (record->path != nullptr) saif_free_path_attribute_struct(record->path);
+    if (record->toggle != nullptr) {
+        saif_free_toggle_attribute_struct(record->toggle);
+    }
+    if (record->path != nullptr) {
+        saif_free_path_attribute_struct(record->path);
+    }
     free(record);
 }

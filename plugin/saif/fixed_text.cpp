@@ -28,7 +28,9 @@ static size_t write_parts(char *text, bool negative, uint64_t whole, uint64_t mi
     char *const end = digits + sizeof digits;
     const char *first = digits_before(end, whole);
     char *at = text;
-    if (negative) *at++ = '-';
+    if (negative) {
+        *at++ = '-';
+    }
     const auto length = static_cast<size_t>(end - first);
     memcpy(at, first, length);
     at += length;
@@ -44,14 +46,20 @@ static size_t write_parts(char *text, bool negative, uint64_t whole, uint64_t mi
 // is rounded once, as printf rounds.
 static size_t write_fraction(char *text, bool negative, uint64_t mantissa, int shift) {
     const uint64_t whole = shift < 64 ? mantissa >> shift : 0;
-    if (shift > 75) return write_parts(text, negative, 0, 0);  // mantissa * 10^6 is below 2^73
+    if (shift > 75) {
+        return write_parts(text, negative, 0, 0);  // mantissa * 10^6 is below 2^73
+    }
     const uint128 one = uint128{1} << shift;
     const uint128 fraction = (uint128{mantissa} & (one - 1)) * MICRO;
     auto micro = static_cast<uint64_t>(fraction >> shift);
     const uint128 rest = fraction & (one - 1);
     const uint128 half = one >> 1;
-    if (rest > half || (rest == half && (micro & 1) != 0)) micro++;
-    if (micro == MICRO) return write_parts(text, negative, whole + 1, 0);
+    if (rest > half || (rest == half && (micro & 1) != 0)) {
+        micro++;
+    }
+    if (micro == MICRO) {
+        return write_parts(text, negative, whole + 1, 0);
+    }
     return write_parts(text, negative, whole, micro);
 }
 
@@ -62,8 +70,12 @@ size_t saif_format_fixed(char *text, double value) {
     const int biased = static_cast<int>(bits >> 52 & 0x7ff);
     const uint64_t mantissa = (bits & MANTISSA_MASK) | (biased != 0 ? MANTISSA_MASK + 1 : 0);
     const int exponent = (biased != 0 ? biased : 1) - EXPONENT_BIAS;
-    if (exponent < 0) return write_fraction(text, negative, mantissa, -exponent);
-    if (exponent <= 11) return write_parts(text, negative, mantissa << exponent, 0);
+    if (exponent < 0) {
+        return write_fraction(text, negative, mantissa, -exponent);
+    }
+    if (exponent <= 11) {
+        return write_parts(text, negative, mantissa << exponent, 0);
+    }
     // Beyond 2^64, infinite, or not a number: no duration or count gets there.
     return static_cast<size_t>(snprintf(text, FIXED_TEXT_SIZE, "%f", value));
 }

@@ -16,18 +16,26 @@ static int must_escape(const char *text, const char *at) {
 
 static const char *first_to_escape(const char *text) {
     const char *at = text;
-    while (*at != '\0' && !must_escape(text, at)) at++;
+    while (*at != '\0' && !must_escape(text, at)) {
+        at++;
+    }
     return at;
 }
 
 void chg_to_saif_name(dstring **name) {
     const char *text = string_to_char(*name);
     const char *at = first_to_escape(text);
-    if (*at == '\0') return;  // most names are legal: the replacement would be the same text
+    if (*at == '\0') {
+        return;  // most names are legal: the replacement would be the same text
+    }
     dstring *legal = nullptr;
-    if (at != text) legal = string_substr_len(*name, 0, static_cast<int32_t>(at - text));
+    if (at != text) {
+        legal = string_substr_len(*name, 0, static_cast<int32_t>(at - text));
+    }
     for (; *at != '\0'; at++) {
-        if (must_escape(text, at)) string_concat_ch(&legal, '\\');
+        if (must_escape(text, at)) {
+            string_concat_ch(&legal, '\\');
+        }
         string_concat_ch(&legal, *at);
     }
     string_free(*name);

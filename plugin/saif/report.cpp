@@ -4,9 +4,6 @@
 
 #include <mti.h>
 
-#include <cerrno>
-#include <cmath>
-
 #include "plugin/monitor/window.h"
 #include "plugin/saif/report_tree.h"
 #include "plugin/saif/time_units.h"
@@ -14,14 +11,21 @@
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
 
+#include <cerrno>
+#include <cmath>
+
 static void trace(const char *step) {
-    if (mfli_debug_level > 1) mfli_print_text(step);
+    if (mfli_debug_level > 1) {
+        mfli_print_text(step);
+    }
 }
 
 int init_saif_header(FILE *stream, double duration, double unit_exponent, saif_header *header) {
     const char *unit = nullptr;
     double multiplier = 0.0;
-    if (!convert_time_to_printing_units(unit_exponent, &unit, &multiplier)) return 0;
+    if (!convert_time_to_printing_units(unit_exponent, &unit, &multiplier)) {
+        return 0;
+    }
     header->duration = duration;
     header->timescale_value = static_cast<float>(multiplier);
     string_copy_char(&header->timescale_unit, unit);
@@ -49,7 +53,9 @@ static SaifTree *create_tree() {
 
 static int fill_tree(const char *instance, SaifTree *tree) {
     trace("Starting to build saif tree (gate/rtl)");
-    if (mfli_is_rtl_read()) return build_rtl_saif_tree(instance, tree);
+    if (mfli_is_rtl_read()) {
+        return build_rtl_saif_tree(instance, tree);
+    }
     return build_saif_tree(instance, tree);
 }
 

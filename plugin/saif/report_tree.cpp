@@ -2,14 +2,14 @@
 // From the monitor table to the writer's tree, and the records of ports, nets and instances.
 #include "plugin/saif/report_tree.h"
 
-#include <cstdlib>
-#include <cstring>
-
 #include "plugin/saif/fixed_text.h"
 #include "plugin/saif/writer.h"
 #include "plugin/support/hash_table.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/text.h"
+
+#include <cstdlib>
+#include <cstring>
 
 // The outermost instance of a forward file is taken to have a name of three characters, "top": the
 // table's names are looked up under it, and object names lose as many characters.
@@ -32,7 +32,9 @@ int insert_subelements_into_saif_tree(const MonitorElement *element, const char 
     int complete = 1;
     for (int32_t i = 0; i < element->width; i++) {
         char *bit = bit_name(element, name, i);
-        if (bit == nullptr) return 0;
+        if (bit == nullptr) {
+            return 0;
+        }
         mfli_convert_squareb_to_paren(bit);
         complete &=
             saifout_insert_port_net_full_hier(bit, element->bits[i]->switching, is_port, tree);
@@ -44,7 +46,9 @@ int insert_subelements_into_saif_tree(const MonitorElement *element, const char 
 // The objects under "top" and the part of the bit's name below the testbench.
 static list *find_objects(st_table *objects, const char *rest) {
     char *key = mfli_add_path_to_name(rest, rtl_prefix, 0);
-    if (key == nullptr) return nullptr;
+    if (key == nullptr) {
+        return nullptr;
+    }
     mfli_convert_paren_to_squareb(key);
     void *found = nullptr;
     const int known = st_lookup_kptr_vptr(objects, key, &found);
@@ -53,7 +57,9 @@ static list *find_objects(st_table *objects, const char *rest) {
 }
 
 list *get_gate_name_list(const char *bit_name, const char **path_key) {
-    if (mfli_rtl_table == nullptr) return nullptr;
+    if (mfli_rtl_table == nullptr) {
+        return nullptr;
+    }
     list *found = nullptr;
     void *key = nullptr;
     void *objects = nullptr;
@@ -61,7 +67,9 @@ list *get_gate_name_list(const char *bit_name, const char **path_key) {
     while (found == nullptr && st_gen_kptr_vptr(entries, &key, &objects)) {
         const auto *path = static_cast<const char *>(key);
         const size_t length = strlen(path);
-        if (strncmp(bit_name, path, length) != 0) continue;
+        if (strncmp(bit_name, path, length) != 0) {
+            continue;
+        }
         found = find_objects(static_cast<st_table *>(objects), bit_name + length);
         *path_key = path;
     }
@@ -74,8 +82,12 @@ list *get_gate_name_list(const char *bit_name, const char **path_key) {
 static SaifTreeNode *virtual_instance(const char *path, int32_t kind, SaifTree *tree) {
     void *info = reinterpret_cast<void *>(static_cast<intptr_t>(kind));
     SaifTreeNode *node = saifout_find_node(path, '/', tree);
-    if (node == nullptr) return saifout_create_node(path, '/', info, nullptr, tree);
-    if (node->node_info == nullptr) saifout_insert_node_info_at_this_level(node, info);
+    if (node == nullptr) {
+        return saifout_create_node(path, '/', info, nullptr, tree);
+    }
+    if (node->node_info == nullptr) {
+        saifout_insert_node_info_at_this_level(node, info);
+    }
     return node;
 }
 
@@ -83,7 +95,9 @@ static int add_virtual_port(const char *full_name, int32_t kind,
                             saif_switching_attribute *switching, SaifTree *tree) {
     char *path = nullptr;
     char *leaf = nullptr;
-    if (!mfli_split_path_and_name(full_name, &path, &leaf)) return 1;
+    if (!mfli_split_path_and_name(full_name, &path, &leaf)) {
+        return 1;
+    }
     dstring *name = string_alloc(leaf);
     const int entered = saifout_insert_port_net_at_this_level(virtual_instance(path, kind, tree),
                                                               name, switching, 1);
@@ -98,10 +112,14 @@ static int add_virtual_port(const char *full_name, int32_t kind,
 // straight behind the testbench path, as registration does with the first name.
 int add_to_rtl_saif_tree(const RtlObject *object, const char *path_key, const char *,
                          saif_switching_attribute *switching, SaifTree *tree) {
-    if (string_len(object->second_full_name) < RTL_PREFIX_LENGTH) return 1;
+    if (string_len(object->second_full_name) < RTL_PREFIX_LENGTH) {
+        return 1;
+    }
     const char *below_top = string_to_char(object->second_full_name) + RTL_PREFIX_LENGTH;
     char *full_name = mfli_add_path_to_name(below_top, path_key, 0);
-    if (full_name == nullptr) return 0;
+    if (full_name == nullptr) {
+        return 0;
+    }
     int complete = 1;
     if (object->kind == RTL_ORDINARY) {
         complete = saifout_insert_port_net_full_hier(full_name, switching, 1, tree);
@@ -129,7 +147,9 @@ int insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const c
     for (int32_t i = 0; i < element->width; i++) {
         saif_switching_attribute *switching = element->bits[i]->switching;
         char *bit = bit_name(element, name, i);
-        if (bit == nullptr) return 0;
+        if (bit == nullptr) {
+            return 0;
+        }
         const char *path_key = nullptr;
         list *objects = get_gate_name_list(bit, &path_key);
         if (objects != nullptr) {
@@ -162,13 +182,17 @@ static int enter_under_all_names(const MonitorElement *element, const char *inst
 }
 
 static int enter_all_elements(const char *instance, SaifTree *tree, EnterElement enter) {
-    if (mfli_monitor_table == nullptr) return 1;
+    if (mfli_monitor_table == nullptr) {
+        return 1;
+    }
     int complete = 1;
     void *value = nullptr;
     st_generator *elements = st_init_gen(mfli_monitor_table);
     while (st_gen_kptr_vptr(elements, nullptr, &value)) {
         const auto *element = static_cast<const MonitorElement *>(value);
-        if (element == nullptr || !mfli_first_in_second_region(element->name, instance)) continue;
+        if (element == nullptr || !mfli_first_in_second_region(element->name, instance)) {
+            continue;
+        }
         complete &= enter_under_all_names(element, instance, tree, enter);
     }
     st_free_gen(elements);
@@ -176,9 +200,13 @@ static int enter_all_elements(const char *instance, SaifTree *tree, EnterElement
 }
 
 int build_saif_tree(const char *instance, SaifTree *tree) {
-    if (mfli_debug_level > 1) mfli_print_text("Starting build_saif_tree");
+    if (mfli_debug_level > 1) {
+        mfli_print_text("Starting build_saif_tree");
+    }
     const int complete = enter_all_elements(instance, tree, enter_under_gate_name);
-    if (mfli_debug_level > 1) mfli_print_text("Ending build_saif_tree");
+    if (mfli_debug_level > 1) {
+        mfli_print_text("Ending build_saif_tree");
+    }
     return complete;
 }
 
@@ -188,7 +216,9 @@ int build_rtl_saif_tree(const char *instance, SaifTree *tree) {
         mfli_print_rtl_table();
     }
     const int complete = enter_all_elements(instance, tree, insert_rtl_subelements_into_saif_tree);
-    if (mfli_debug_level > 1) mfli_print_text("Ending build_rtl_saif_tree");
+    if (mfli_debug_level > 1) {
+        mfli_print_text("Ending build_rtl_saif_tree");
+    }
     return complete;
 }
 
@@ -232,9 +262,13 @@ void net_print(FILE *stream, const dstring *name, void *switching, double scale,
     putc('\n', stream);
     // The blanks of a line whose record is missing are written all the same.
     saif_write_blanks(stream, indentation + 3);
-    if (record->timing != nullptr) print_timing(stream, record->timing, scale);
+    if (record->timing != nullptr) {
+        print_timing(stream, record->timing, scale);
+    }
     saif_write_blanks(stream, indentation + 3);
-    if (record->toggle != nullptr) print_toggles(stream, record->toggle);
+    if (record->toggle != nullptr) {
+        print_toggles(stream, record->toggle);
+    }
     saif_write_blanks(stream, indentation);
     fputs(")\n", stream);
 }
@@ -242,8 +276,12 @@ void net_print(FILE *stream, const dstring *name, void *switching, double scale,
 void node_print(FILE *stream, const dstring *name, void *node_info, int *indentation) {
     const auto kind = static_cast<int32_t>(reinterpret_cast<intptr_t>(node_info));
     const char *opening = "(INSTANCE ";
-    if (kind == RTL_SEQUENTIAL) opening = "(VIRTUAL_INSTANCE \"sequential\" ";
-    if (kind == RTL_TRI_STATE) opening = "(VIRTUAL_INSTANCE \"tri-state\" ";
+    if (kind == RTL_SEQUENTIAL) {
+        opening = "(VIRTUAL_INSTANCE \"sequential\" ";
+    }
+    if (kind == RTL_TRI_STATE) {
+        opening = "(VIRTUAL_INSTANCE \"tri-state\" ";
+    }
     saif_write_blanks(stream, *indentation);
     fprintf(stream, "%s%s\n", opening, string_to_char(name));
     *indentation += 3;

@@ -32,7 +32,9 @@ int prn_func(const char *, void *) {
 saif_list *saif_list_init(saif_compare_fn compare, saif_print_fn print,
                           saif_delete_fn delete_data) {
     auto *list = static_cast<saif_list *>(calloc(1, sizeof(saif_list)));
-    if (list == nullptr) return nullptr;
+    if (list == nullptr) {
+        return nullptr;
+    }
     list->compare = compare != nullptr ? compare : default_cmp;
     list->print = print != nullptr ? print : default_print;
     list->delete_data = delete_data != nullptr ? delete_data : default_delete;
@@ -49,11 +51,15 @@ saif_list_item *saif_list_find(const saif_list *list, const saif_list_entry *pro
 
 saif_list_item *saif_list_findi(const saif_list *list, const saif_list_entry *probe,
                                 int want_previous, int *order_slot) {
-    if (list == nullptr || list->count == 0) return nullptr;
+    if (list == nullptr || list->count == 0) {
+        return nullptr;
+    }
     int *slot = list->ordered != 0 ? order_slot : nullptr;
     saif_list_item *previous = list->head;
     for (saif_list_item *item = list->head; item != nullptr; item = item->next) {
-        if (list->compare(item, probe, slot) != 0) return want_previous != 0 ? previous : item;
+        if (list->compare(item, probe, slot) != 0) {
+            return want_previous != 0 ? previous : item;
+        }
         previous = item;
     }
     return want_previous != 0 ? list->tail : nullptr;
@@ -65,8 +71,12 @@ int saif_list_enter(saif_list *list, const saif_list_entry *entry) {
 
 int saif_list_enteri(saif_list *list, const saif_list_entry *entry, saif_list_item **out_item,
                      int unique) {
-    if (list == nullptr) return 0;
-    if (unique != 0 && saif_list_find(list, entry) != nullptr) return 0;
+    if (list == nullptr) {
+        return 0;
+    }
+    if (unique != 0 && saif_list_find(list, entry) != nullptr) {
+        return 0;
+    }
     auto *item = static_cast<saif_list_item *>(malloc(sizeof(saif_list_item)));
     if (item == nullptr) {
         puts("Out of memory. Cannot create list.");
@@ -82,7 +92,9 @@ int saif_list_enteri(saif_list *list, const saif_list_entry *entry, saif_list_it
     }
     list->tail = item;
     list->count++;
-    if (out_item != nullptr) *out_item = item;
+    if (out_item != nullptr) {
+        *out_item = item;
+    }
     return 1;
 }
 
@@ -94,8 +106,12 @@ void saif_list_env_free(saif_list *list, saif_list_item *after_item) {
     saif_list_item *item = after_item != nullptr ? after_item->next : list->head;
     while (item != nullptr) {
         saif_list_item *next = item->next;
-        if (item->data != nullptr) list->delete_data(item->data);
-        if (item->key != nullptr) string_free(item->key);
+        if (item->data != nullptr) {
+            list->delete_data(item->data);
+        }
+        if (item->key != nullptr) {
+            string_free(item->key);
+        }
         free(item);
         list->count--;
         item = next;
@@ -104,7 +120,9 @@ void saif_list_env_free(saif_list *list, saif_list_item *after_item) {
         after_item->next = nullptr;
         list->tail = after_item;
     }
-    if (list->count == 0) list->head = list->tail = nullptr;
+    if (list->count == 0) {
+        list->head = list->tail = nullptr;
+    }
 }
 
 void saif_list_free(saif_list *list) {
@@ -118,6 +136,8 @@ void saif_list_print(const saif_list *list) {
         return;
     }
     for (const saif_list_item *item = list->head; item != nullptr; item = item->next) {
-        if (item->data != nullptr) list->print(string_to_char(item->key), item->data);
+        if (item->data != nullptr) {
+            list->print(string_to_char(item->key), item->data);
+        }
     }
 }

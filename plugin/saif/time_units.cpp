@@ -2,9 +2,9 @@
 // The table of time units.
 #include "plugin/saif/time_units.h"
 
-#include <cmath>
-
 #include "plugin/support/messages.h"
+
+#include <cmath>
 
 static const char *const units[] = {"s", "ms", "us", "ns", "ps", "fs"};
 static const double multipliers[] = {1.0, 10.0, 100.0};

@@ -2,10 +2,10 @@
 // The SAIF writer's hierarchy: splitting names, finding and making instances, entering, freeing.
 #include "plugin/saif/tree.h"
 
+#include "plugin/support/hash_table.h"
+
 #include <cstdlib>
 #include <cstring>
-
-#include "plugin/support/hash_table.h"
 
 // Up to here a look along the list is cheaper than an index.
 static constexpr uint32_t MANY_CHILDREN = 8;
@@ -42,7 +42,9 @@ void default_leak_gen(FILE *, void *, int) {
 }
 
 static void free_list(saif_list **list) {
-    if (*list != nullptr) saif_list_free(*list);
+    if (*list != nullptr) {
+        saif_list_free(*list);
+    }
     *list = nullptr;
 }
 
@@ -92,19 +94,27 @@ SaifTree *saifout_create_tree(saif_delete_fn net_data_delete, saif_delete_fn por
 }
 
 void saifout_register_net_print_function(SaifTree *tree, saif_net_print_fn print) {
-    if (tree != nullptr) tree->print_net = print;
+    if (tree != nullptr) {
+        tree->print_net = print;
+    }
 }
 
 void saifout_register_port_print_function(SaifTree *tree, saif_net_print_fn print) {
-    if (tree != nullptr) tree->print_port = print;
+    if (tree != nullptr) {
+        tree->print_port = print;
+    }
 }
 
 void saifout_register_node_print_function(SaifTree *tree, saif_node_print_fn print) {
-    if (tree != nullptr) tree->print_node = print;
+    if (tree != nullptr) {
+        tree->print_node = print;
+    }
 }
 
 void saifout_register_leak_print_function(SaifTree *tree, saif_leak_print_fn print) {
-    if (tree != nullptr) tree->print_leak = print;
+    if (tree != nullptr) {
+        tree->print_leak = print;
+    }
 }
 
 int saifout_tree_is_empty(const SaifTree *tree) {
@@ -115,11 +125,15 @@ int saifout_tree_is_empty(const SaifTree *tree) {
 static dstring *string_of(const char *text, size_t length) {
     char small[256];
     char *copy = length < sizeof small ? small : static_cast<char *>(malloc(length + 1));
-    if (copy == nullptr) return nullptr;
+    if (copy == nullptr) {
+        return nullptr;
+    }
     memcpy(copy, text, length);
     copy[length] = '\0';
     dstring *string = string_alloc(copy);
-    if (copy != small) free(copy);
+    if (copy != small) {
+        free(copy);
+    }
     return string;
 }
 
@@ -131,7 +145,9 @@ int get_hier_level(const char *text, char divider, dstring **component, const ch
         return 1;
     }
     size_t length = strlen(text);
-    if (length > 0 && text[length - 1] == divider) length--;
+    if (length > 0 && text[length - 1] == divider) {
+        length--;
+    }
     *component = string_of(text, length);
     return 0;
 }
@@ -139,8 +155,12 @@ int get_hier_level(const char *text, char divider, dstring **component, const ch
 // The index is filled up to the end of the list at each use, so that whoever enters a child need
 // not know of it. Names that are there already keep their first node, as a search would find it.
 static void update_child_index(SaifTreeNode *node) {
-    if (node->last_indexed == node->children->tail) return;
-    if (node->child_index == nullptr) node->child_index = st_alloc_abo(st_strcmp, st_strhash);
+    if (node->last_indexed == node->children->tail) {
+        return;
+    }
+    if (node->child_index == nullptr) {
+        node->child_index = st_alloc_abo(st_strcmp, st_strhash);
+    }
     saif_list_item *item =
         node->last_indexed != nullptr ? node->last_indexed->next : node->children->head;
     for (; item != nullptr; item = item->next) {
@@ -160,7 +180,9 @@ static SaifTreeNode *find_child(SaifTreeNode *node, dstring *name) {
     }
     update_child_index(node);
     void *child = nullptr;
-    if (!st_lookup_kptr_vptr(node->child_index, string_to_char(name), &child)) return nullptr;
+    if (!st_lookup_kptr_vptr(node->child_index, string_to_char(name), &child)) {
+        return nullptr;
+    }
     return static_cast<SaifTreeNode *>(child);
 }
 
@@ -184,7 +206,9 @@ static SaifTreeNode *add_child(SaifTreeNode *node, dstring *name, void *node_inf
 }
 
 void saif_forget_child_index(SaifTreeNode *node) {
-    if (node->child_index != nullptr) st_free(node->child_index);
+    if (node->child_index != nullptr) {
+        st_free(node->child_index);
+    }
     node->child_index = nullptr;
     node->last_indexed = nullptr;
 }
@@ -196,9 +220,13 @@ void saif_forget_path(SaifTree *tree) {
 }
 
 static size_t common_prefix(const SaifPath *path, const char *text) {
-    if (path->length == 0 || strncmp(path->text, text, path->length) == 0) return path->length;
+    if (path->length == 0 || strncmp(path->text, text, path->length) == 0) {
+        return path->length;
+    }
     size_t same = 0;
-    while (path->text[same] == text[same]) same++;
+    while (path->text[same] == text[same]) {
+        same++;
+    }
     return same;
 }
 
@@ -209,7 +237,9 @@ static size_t recall_path(SaifPath *path, const char *text, char divider) {
     path->divider = divider;
     while (path->depth > 0) {
         const size_t end = path->levels[path->depth - 1].end;
-        if (end <= same && text[end] != '\0') break;
+        if (end <= same && text[end] != '\0') {
+            break;
+        }
         path->depth--;
     }
     path->length = path->depth > 0 ? path->levels[path->depth - 1].end : 0;
@@ -218,10 +248,14 @@ static size_t recall_path(SaifPath *path, const char *text, char divider) {
 
 // Makes room for `needed` elements in a growing array; 0 when there is no memory.
 static int reserve(void **array, size_t *capacity, size_t needed, size_t element_size) {
-    if (needed <= *capacity) return 1;
+    if (needed <= *capacity) {
+        return 1;
+    }
     const size_t wanted = needed * 2;
     void *grown = realloc(*array, wanted * element_size);
-    if (grown == nullptr) return 0;
+    if (grown == nullptr) {
+        return 0;
+    }
     *array = grown;
     *capacity = wanted;
     return 1;
@@ -257,7 +291,9 @@ static SaifTreeNode *walk_to_last(SaifTree *tree, const char *name, char divider
         } else {
             child = add_child(node, *last, nullptr, nullptr);
         }
-        if (child == nullptr || !remember_level(path, at, rest, child)) return nullptr;
+        if (child == nullptr || !remember_level(path, at, rest, child)) {
+            return nullptr;
+        }
         node = child;
         at = rest;
     }
@@ -267,7 +303,9 @@ static SaifTreeNode *walk_to_last(SaifTree *tree, const char *name, char divider
 // Enters a port or net; takes the name over.
 static int enter_object(SaifTreeNode *node, dstring *name, void *data, int is_port) {
     const saif_list_entry entry = {name, data};
-    if (saif_list_enteri(is_port ? node->ports : node->nets, &entry, nullptr, 0)) return 1;
+    if (saif_list_enteri(is_port ? node->ports : node->nets, &entry, nullptr, 0)) {
+        return 1;
+    }
     string_free(name);
     return 0;
 }
@@ -279,7 +317,9 @@ static int add_from_node(SaifTree *tree, const char *name, void *data, int is_po
 }
 
 int saifout_insert_port_net_full_hier(const char *name, void *data, int is_port, SaifTree *tree) {
-    if (name == nullptr || tree == nullptr) return 0;
+    if (name == nullptr || tree == nullptr) {
+        return 0;
+    }
     return add_from_node(tree, name, data, is_port);
 }
 
@@ -287,9 +327,13 @@ SaifTreeNode *saifout_find_create_node(const char *name, char divider, void *nod
                                        void *leak_info, SaifTree *tree) {
     dstring *last = nullptr;
     SaifTreeNode *node = walk_to_last(tree, name, divider, 1, &last);
-    if (node == nullptr) return nullptr;
+    if (node == nullptr) {
+        return nullptr;
+    }
     SaifTreeNode *found = find_child(node, last);
-    if (found == nullptr) return add_child(node, last, node_info, leak_info);
+    if (found == nullptr) {
+        return add_child(node, last, node_info, leak_info);
+    }
     string_free(last);
     return found;
 }
@@ -302,7 +346,9 @@ SaifTreeNode *saifout_create_node(const char *name, char divider, void *node_inf
 SaifTreeNode *saifout_find_node(const char *name, char divider, SaifTree *tree) {
     dstring *last = nullptr;
     SaifTreeNode *node = walk_to_last(tree, name, divider, 0, &last);
-    if (node == nullptr) return nullptr;
+    if (node == nullptr) {
+        return nullptr;
+    }
     SaifTreeNode *found = find_child(node, last);
     string_free(last);
     return found;
@@ -310,18 +356,24 @@ SaifTreeNode *saifout_find_node(const char *name, char divider, SaifTree *tree) 
 
 int saifout_insert_port_net_at_this_level(SaifTreeNode *node, dstring *name, void *data,
                                           int is_port) {
-    if (node == nullptr || (is_port != 0 && is_port != 1)) return 0;
+    if (node == nullptr || (is_port != 0 && is_port != 1)) {
+        return 0;
+    }
     return enter_object(node, string_dup(name), data, is_port);
 }
 
 int saifout_insert_node_info_at_this_level(SaifTreeNode *node, void *info) {
-    if (node == nullptr) return 0;
+    if (node == nullptr) {
+        return 0;
+    }
     node->node_info = info;
     return 1;
 }
 
 int saifout_insert_leak_info_at_this_level(SaifTreeNode *node, void *info) {
-    if (node == nullptr) return 0;
+    if (node == nullptr) {
+        return 0;
+    }
     node->leak_info = info;
     return 1;
 }
@@ -335,8 +387,12 @@ static void enter_to_free(SaifTreeNode *node) {
 
 static void leave_freed(SaifTreeNode *node) {
     free_list(&node->children);
-    if (node->node_info != nullptr) delete_node(node->node_info);
-    if (node->leak_info != nullptr) delete_leak(node->leak_info);
+    if (node->node_info != nullptr) {
+        delete_node(node->node_info);
+    }
+    if (node->leak_info != nullptr) {
+        delete_leak(node->leak_info);
+    }
 }
 
 // Level by level through the nodes' own links: a call for each level would end on the stack's limit
@@ -359,7 +415,9 @@ void free_tree(SaifTreeNode *node) {
 }
 
 void saifout_free_tree(SaifTree *tree) {
-    if (tree == nullptr) return;
+    if (tree == nullptr) {
+        return;
+    }
     free_tree(tree->root);
     free(tree->root);
     saif_forget_path(tree);

@@ -2,11 +2,11 @@
 // The SAIF file: header, body, trailer.
 #include "plugin/saif/writer.h"
 
+#include "plugin/saif/legal_name.h"
+
 #include <cerrno>
 #include <cstring>
 #include <ctime>
-
-#include "plugin/saif/legal_name.h"
 
 static constexpr int INDENTATION_STEP = 3;
 
@@ -29,7 +29,9 @@ void saif_write_blanks(FILE *stream, int count) {
 
 // A name without any instance has no place in the file. The list is gone afterwards.
 static void ignore_at_root(saif_list **list, const char *kind) {
-    if (*list == nullptr) return;
+    if (*list == nullptr) {
+        return;
+    }
     for (saif_list_item *item = (*list)->head; item != nullptr; item = item->next) {
         chg_to_saif_name(&item->key);
         printf(
@@ -58,7 +60,9 @@ static void generate_quoted(FILE *stream, const char *keyword, const dstring *te
 static void generate_date(FILE *stream) {
     const time_t now = time(nullptr);
     const char *text = ctime(&now);
-    if (text == nullptr) text = "";
+    if (text == nullptr) {
+        text = "";
+    }
     fprintf(stream, "(DATE \"%.*s\")\n", static_cast<int>(strcspn(text, "\n")), text);
 }
 
@@ -77,7 +81,9 @@ static void generate_saif_header(const saif_header *header) {
     generate_quoted(stream, "PROGRAM_NAME", header->program_name);
     generate_quoted(stream, "VERSION", header->program_version);
     fprintf(stream, "(DIVIDER %c )\n", header->divider);
-    if (!backward) return;
+    if (!backward) {
+        return;
+    }
     fprintf(stream, "(TIMESCALE %.f %s)\n", static_cast<double>(header->timescale_value),
             string_to_char(header->timescale_unit));
     fprintf(stream, "(DURATION %.2f)\n", header->duration);
@@ -91,7 +97,9 @@ static void generate_close(FILE *stream) {
 
 static void generate_objects(FILE *stream, const saif_list *objects, const char *opening,
                              saif_net_print_fn print, double scale) {
-    if (objects == nullptr || saif_list_is_empty(objects)) return;
+    if (objects == nullptr || saif_list_is_empty(objects)) {
+        return;
+    }
     saif_write_blanks(stream, ident_space);
     fputs(opening, stream);
     ident_space += INDENTATION_STEP;
@@ -106,7 +114,9 @@ static void generate_objects(FILE *stream, const saif_list *objects, const char 
 static void generate_node(FILE *stream, SaifTreeNode *node, double scale) {
     generate_objects(stream, node->ports, "(PORT\n", generate_saif_for_port, scale);
     generate_objects(stream, node->nets, "(NET\n", generate_saif_for_net, scale);
-    if (node->leak_info != nullptr) generate_saif_for_leak(stream, node->leak_info, ident_space);
+    if (node->leak_info != nullptr) {
+        generate_saif_for_leak(stream, node->leak_info, ident_space);
+    }
     saif_forget_child_index(node);
     node->walk = node->children != nullptr ? node->children->head : nullptr;
 }
@@ -128,7 +138,9 @@ static void generate_saif_body(FILE *stream, SaifTreeNode *root, double scale) {
             at->walk = child->next;
             at = generate_opening(stream, child);
             generate_node(stream, at, scale);
-            if (ferror(stream)) return;
+            if (ferror(stream)) {
+                return;
+            }
         } else {
             generate_close(stream);
             at = at->parent;
