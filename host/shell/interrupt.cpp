@@ -19,7 +19,7 @@ void handle_interrupt(int) {
         static const char text[] = "\nwfsim: interrupted twice, leaving at once\n";
         const ssize_t ignored = write(STDERR_FILENO, text, sizeof text - 1);
         (void)ignored;
-        _exit(exit_interrupted);
+        _exit(128 + SIGINT);
     }
     pending = 1;
     if (notify_function != nullptr) {

@@ -9,9 +9,6 @@
 
 namespace wf {
 
-// The exit status of a program that the interrupt key ended, as shells have it: 128 + SIGINT.
-constexpr int exit_interrupted = 130;
-
 // From now on SIGINT is recorded instead of ending the program. Process-wide.
 void catch_interrupts();
 

@@ -19,7 +19,6 @@ Shell &shell_of(ClientData data) {
 // The time that the words of a run command name, as an absolute limit; the error text otherwise.
 std::string limit_of(Shell &shell, const std::string &words, Ticks *limit) {
     const RunControl &control = shell.simulation().control;
-    const int exponent = control.resolution_exponent();
     if (words == "-all" || words == "-a") {
         *limit = run_to_end;
         return {};
@@ -27,18 +26,14 @@ std::string limit_of(Shell &shell, const std::string &words, Ticks *limit) {
     if (words.empty()) {
         return "usage: run TIME | run -all";
     }
-    const ParsedTime time = parse_time(words, exponent);
+    const ParsedTime time = parse_time(words, control.resolution_exponent());
     if (!time.error.empty()) {
         return "run: " + time.error;
     }
     if (time.ticks >= run_to_end - control.now()) {
         return "run: the time \"" + words + "\" is more than the simulator can count";
     }
-    if (!time.exact) {
-        shell.simulation().transcript.print(
-            "Warning: \"" + words + "\" is not a whole number of ticks of " +
-            format_time(1, exponent) + "; rounded to " + format_time(time.ticks, exponent));
-    }
+    shell.run_notes().tell_rounding(words, time);
     *limit = control.now() + time.ticks;
     return {};
 }

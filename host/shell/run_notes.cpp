@@ -20,6 +20,15 @@ void RunNotes::tell(RunEnd end, Ticks limit) {
     }
 }
 
+void RunNotes::tell_rounding(const std::string &words, const ParsedTime &time) {
+    if (time.error.empty() && !time.exact) {
+        const int exponent = control_.resolution_exponent();
+        transcript_.print("Warning: \"" + words + "\" is not a whole number of ticks of " +
+                          format_time(1, exponent) + "; rounded to " +
+                          format_time(time.ticks, exponent));
+    }
+}
+
 std::string RunNotes::interruption() const {
     return "interrupted at " + format_time(control_.now(), control_.resolution_exponent());
 }

@@ -22,6 +22,9 @@ class RunNotes {
     // and, the first time, what is wrong with it.
     void tell(RunEnd end, Ticks limit);
 
+    // Says when a time, as the user wrote it, is not a whole number of ticks.
+    void tell_rounding(const std::string &words, const ParsedTime &time);
+
     // "interrupted at 5 us".
     std::string interruption() const;
 

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: Apache-2.0
+// The line editor has one state for the whole process and calls back without any context of ours,
+// hence the file's one variable.
+#include "host/shell/prompt.h"
+
+#include <editline/readline.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+
+#include "host/fli/session.h"
+#include "host/shell/interrupt.h"
+#include "host/shell/search.h"
+#include "host/shell/transcript.h"
+
+namespace wf {
+namespace {
+
+constexpr const char *first_prompt = "wfsim> ";
+constexpr const char *next_prompt = "> ";
+constexpr int history_lines = 1000;
+
+struct Completion {
+    Shell *shell = nullptr;
+    std::vector<std::string> candidates;
+    size_t next = 0;
+} completion;
+
+// --- completion ---
+
+char *next_candidate(const char *, int state) {
+    if (state == 0) {
+        completion.next = 0;
+    }
+    if (completion.next == completion.candidates.size()) {
+        return nullptr;
+    }
+    return strdup(completion.candidates[completion.next++].c_str());
+}
+
+// A command's name stands first, or after the character that opens or separates commands.
+bool is_command_position(std::string_view line, size_t start) {
+    const size_t before = line.substr(0, start).find_last_not_of(" \t");
+    return before == std::string_view::npos || std::strchr(";[{", line[before]) != nullptr;
+}
+
+char **complete_word(const char *word, int start, int) {
+    const std::string_view line(rl_line_buffer);
+    if (is_command_position(line, static_cast<size_t>(start))) {
+        completion.candidates = completion.shell->command_names(word);
+    } else {
+        completion.candidates = complete_path(completion.shell->simulation().session.design, word);
+    }
+    const bool is_region =
+        completion.candidates.size() == 1 && completion.candidates[0].ends_with('/');
+    rl_completion_append_character = is_region ? '\0' : ' ';
+    return rl_completion_matches(word, next_candidate);
+}
+
+// --- the line editor ---
+
+class LineEditor {
+  public:
+    explicit LineEditor(Shell &shell) {
+        static char word_breaks[] = " \t\n\";{}[";
+        completion.shell = &shell;
+        rl_readline_name = "wfsim";
+        rl_initialize();
+        rl_catch_signals = 0;
+        rl_completer_word_break_characters = word_breaks;
+        rl_attempted_completion_function = complete_word;
+        using_history();
+        stifle_history(history_lines);
+        if (const char *home = std::getenv("HOME")) {
+            history_file_ = std::string(home) + "/.wfsim_history";
+            read_history(history_file_.c_str());
+        }
+    }
+    LineEditor(const LineEditor &) = delete;
+    LineEditor &operator=(const LineEditor &) = delete;
+
+    // The history is a convenience: a home that cannot be written to is not worth a message.
+    ~LineEditor() {
+        if (!history_file_.empty()) {
+            write_history(history_file_.c_str());
+        }
+        clear_history();
+        completion = {};
+    }
+
+    // Nothing at the end of the input, and after the interrupt key.
+    std::optional<std::string> read_line(const char *prompt) {
+        const InterruptibleReads interruptible;
+        char *typed = readline(prompt);
+        if (typed == nullptr) {
+            return std::nullopt;
+        }
+        std::string line(typed);
+        std::free(typed);
+        if (line.find_first_not_of(" \t") != std::string::npos) {
+            add_history(line.c_str());
+        }
+        return line;
+    }
+
+  private:
+    std::string history_file_;
+};
+
+ScriptEnd run_typed(Shell &shell, const std::string &commands) {
+    shell.simulation().transcript.write_to_file(first_prompt + commands);
+    const ScriptEnd end = shell.run_text(commands, {});
+    const std::string result = shell.result();
+    if (end == ScriptEnd::done && !result.empty()) {
+        shell.simulation().transcript.print(result);
+    }
+    return end;
+}
+
+bool read_stream_line(std::FILE *input, std::string &line) {
+    line.clear();
+    for (int c = std::getc(input); c != EOF; c = std::getc(input)) {
+        line += static_cast<char>(c);
+        if (c == '\n') {
+            return true;
+        }
+    }
+    return !line.empty();
+}
+
+}  // namespace
+
+ScriptEnd run_prompt(Shell &shell) {
+    LineEditor editor(shell);
+    std::string commands;
+    for (;;) {
+        const auto line = editor.read_line(commands.empty() ? first_prompt : next_prompt);
+        if (!line) {
+            shell.simulation().transcript.write("\n");
+            if (!take_interrupt()) {
+                return ScriptEnd::done;
+            }
+            commands.clear();
+            continue;
+        }
+        commands += *line + "\n";
+        if (!Shell::is_complete(commands)) {
+            continue;
+        }
+        if (run_typed(shell, std::exchange(commands, std::string())) == ScriptEnd::quit) {
+            return ScriptEnd::quit;
+        }
+    }
+}
+
+ScriptEnd run_stream(Shell &shell, std::FILE *input) {
+    std::string commands;
+    std::string line;
+    int first_line = 1;
+    for (int line_number = 1; read_stream_line(input, line); ++line_number) {
+        commands += line;
+        if (!Shell::is_complete(commands)) {
+            continue;
+        }
+        const ScriptEnd end = shell.run_text(commands, "<stdin>", first_line);
+        if (end != ScriptEnd::done) {
+            return end;
+        }
+        commands.clear();
+        first_line = line_number + 1;
+    }
+    // What is left lacks a brace or a quote: let Tcl say so.
+    return commands.empty() ? ScriptEnd::done : shell.run_text(commands, "<stdin>", first_line);
+}
+
+}  // namespace wf

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+// Commands that are typed or piped in instead of being read from a script file.
+#ifndef WATTFORGE_HOST_SHELL_PROMPT_H
+#define WATTFORGE_HOST_SHELL_PROMPT_H
+
+#include <cstdio>
+
+#include "host/shell/shell.h"
+
+namespace wf {
+
+// Reads commands from the terminal, with line editing, a history kept in ~/.wfsim_history, and
+// completion of command names and of paths in the design, until `quit` or the end of the input.
+// An error is told and the prompt comes back; the interrupt key clears the line. Answers `quit` or
+// `done`.
+ScriptEnd run_prompt(Shell &shell);
+
+// Reads commands from `input` to its end and runs each as soon as it is complete. The first error
+// ends it, as it ends a script.
+ScriptEnd run_stream(Shell &shell, std::FILE *input);
+
+}  // namespace wf
+
+#endif

@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: Apache-2.0
+// wfsim: a simulator whose events come from a recorded waveform. Here its parts are put together
+// in the order in which they need each other, and taken apart in the reverse one.
+#include <tcl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <memory>
+
+#include "host/design/design.h"
+#include "host/fli/session.h"
+#include "host/kernel/kernel.h"
+#include "host/shell/interrupt.h"
+#include "host/shell/progress_meter.h"
+#include "host/shell/prompt.h"
+#include "host/shell/shell.h"
+#include "host/shell/transcript.h"
+#include "host/source/source.h"
+#include "host/wfsim/exit_status.h"
+#include "host/wfsim/message_watch.h"
+#include "host/wfsim/options.h"
+#include "host/wfsim/plugins.h"
+#include "host/wfsim/replay.h"
+#include "host/wfsim/report_run.h"
+
+namespace wf {
+namespace {
+
+struct CloseFile {
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+int complain(const std::string &text, int status) {
+    std::fprintf(stderr, "wfsim: %s\n", text.c_str());
+    return status;
+}
+
+// --- scripts ---
+
+// A -do word is a file if there is one of that name, or if it can hardly be anything else.
+bool is_script_file(const std::string &word) {
+    return access(word.c_str(), F_OK) == 0 || (word.find_first_of(" \t\n;") == std::string::npos &&
+                                               word.find_first_of("./") != std::string::npos);
+}
+
+ScriptEnd run_given_scripts(Shell &shell, const std::vector<std::string> &scripts) {
+    for (const std::string &script : scripts) {
+        const ScriptEnd end =
+            is_script_file(script) ? shell.run_file(script, {}) : shell.run_text(script, "-do");
+        if (end != ScriptEnd::done) {
+            return end;
+        }
+    }
+    return ScriptEnd::done;
+}
+
+ScriptEnd run_shell(Shell &shell, const Options &options) {
+    if (!options.scripts.empty()) {
+        return run_given_scripts(shell, options.scripts);
+    }
+    const bool prompt = !options.batch && isatty(STDIN_FILENO) != 0;
+    return prompt ? run_prompt(shell) : run_stream(shell, stdin);
+}
+
+int script_status(const Simulation &simulation, const Options &options) {
+    Shell shell(simulation);
+    switch (run_shell(shell, options)) {
+        case ScriptEnd::failed:
+            return exit_error;
+        case ScriptEnd::interrupted:
+            return exit_interrupted;
+        case ScriptEnd::quit:
+            return shell.quit_code();
+        case ScriptEnd::done:
+            break;
+    }
+    return exit_ok;
+}
+
+// --- the program's parts ---
+
+std::string load_plugins(Session &session, const std::vector<Plugin> &plugins) {
+    for (const Plugin &plugin : plugins) {
+        const std::string error = session.load_plugin(plugin.function, plugin.library);
+        if (!error.empty()) {
+            return error;
+        }
+    }
+    return {};
+}
+
+std::string start_trace(Session &session, const Options &options, File &file) {
+    if (options.trace == TraceTo::transcript) {
+        session.trace_to_console();
+    } else if (options.trace == TraceTo::file) {
+        file.reset(std::fopen(options.trace_file.c_str(), "w"));
+        if (!file) {
+            return options.trace_file + ": cannot open the trace: " + std::strerror(errno);
+        }
+        session.trace_to_file(file.get());
+    }
+    return {};
+}
+
+std::string finish_trace(Session &session, const std::string &path, File &file) {
+    session.trace_off();
+    if (!file) {
+        return {};
+    }
+    const bool written = std::ferror(file.get()) == 0;
+    const bool closed = std::fclose(file.release()) == 0;
+    return written && closed ? "" : path + ": the trace could not be written completely";
+}
+
+// With everything loaded: does what the command line asks for, then lets the plug-ins go.
+int simulate(const Simulation &simulation, const Options &options, const MessageWatch &watch) {
+    const bool one_command = !options.report.saif.empty();
+    int status = one_command ? ReportRun(simulation, options.report, watch).execute()
+                             : script_status(simulation, options);
+    if (watch.window_open) {
+        simulation.transcript.print(
+            "Warning: the counting window is still open at the end; it is in no report");
+    }
+    simulation.session.quit();
+    if (status == exit_ok && !simulation.control.damage().empty()) {
+        status = exit_damaged;
+    }
+    return status;
+}
+
+int replay(Source &source, Design &design, Transcript &transcript, const Options &options,
+           const std::vector<Plugin> &plugins) {
+    Kernel kernel(design);
+    Replay control(source, design, kernel);
+    MessageWatch watch;
+    transcript.on_line([&watch](std::string_view line) { watch.see(line); });
+    File trace;
+    int status = exit_ok;
+    std::string error;
+    {
+        Session session(design, kernel, transcript);
+        error = start_trace(session, options, trace);
+        if (error.empty()) {
+            error = load_plugins(session, plugins);
+        }
+        if (error.empty()) {
+            status = simulate({session, control, transcript}, options, watch);
+        }
+        const std::string trace_error = finish_trace(session, options.trace_file, trace);
+        error = error.empty() ? trace_error : error;
+    }
+    transcript.on_line({});
+    return error.empty() ? status : complain(error, exit_error);
+}
+
+// Opens and loads the waveform, then replays it.
+int run_waveform(Transcript &transcript, ProgressMeter &meter, const Options &options,
+                 const std::vector<Plugin> &plugins) {
+    std::string error;
+    const std::unique_ptr<Source> source = open_source(options.waveform, &error);
+    if (!source) {
+        return complain(error, exit_error);
+    }
+    Design design;
+    if (meter.active()) {
+        source->on_progress([&](const SourcePosition &position) {
+            meter.update({.bytes_read = position.bytes_read,
+                          .bytes_total = position.bytes_total,
+                          .time = position.last_time,
+                          .resolution_exponent = design.resolution_exponent});
+        });
+    }
+    const bool loaded = source->load(design);
+    meter.clear();
+    if (!loaded) {
+        return complain(source->error(), exit_damaged);
+    }
+    return replay(*source, design, transcript, options, plugins);
+}
+
+int run(const Options &options) {
+    std::vector<Plugin> plugins;
+    std::string error = choose_plugins(options.foreign, &plugins);
+    if (!error.empty()) {
+        return complain(error, options.foreign.empty() ? exit_error : exit_usage);
+    }
+    const bool commands_needed = options.scripts.empty() && options.report.saif.empty();
+    if (commands_needed && options.waveform == "-") {
+        return complain("the waveform is standard input, so commands need -do or -saif",
+                        exit_usage);
+    }
+    Transcript transcript(stdout);
+    if (!transcript.set_file(options.transcript, &error)) {
+        return complain(error, exit_error);
+    }
+    ProgressMeter meter(stderr, !options.quiet);
+    transcript.before_output([&meter] { meter.clear(); });
+    catch_interrupts();
+    int status = run_waveform(transcript, meter, options, plugins);
+    if (!transcript.set_file("", &error)) {
+        status = complain(error, status == exit_ok ? exit_error : status);
+    }
+    if (transcript.screen_failed()) {
+        status = complain("standard output could not be written completely",
+                          status == exit_ok ? exit_error : status);
+    }
+    return status;
+}
+
+int run_program(int count, char **words) {
+    Options options;
+    const std::string error = parse_options(count, words, &options);
+    if (!error.empty()) {
+        return complain(error + "; wfsim -help tells more", exit_usage);
+    }
+    if (options.help) {
+        std::fputs(usage_text, stdout);
+        return exit_ok;
+    }
+    if (options.version) {
+        std::puts("wfsim (Wattforge FLI) " WATTFORGE_VERSION);
+        return exit_ok;
+    }
+    const int status = run(options);
+    Tcl_Finalize();
+    return status;
+}
+
+}  // namespace
+}  // namespace wf
+
+int main(int count, char **words) {
+    try {
+        return wf::run_program(count, words);
+    } catch (const std::exception &exception) {
+        return wf::complain(std::string("gave up: ") + exception.what(), wf::exit_error);
+    }
+}

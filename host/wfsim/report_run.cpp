@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: Apache-2.0
+// Everything that can be checked is checked before the replay: an hour of it should not end in a
+// misspelt name.
+#include "host/wfsim/report_run.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include "host/fli/session.h"
+#include "host/shell/interrupt.h"
+#include "host/shell/transcript.h"
+#include "host/wfsim/saif_check.h"
+
+namespace wf {
+namespace {
+
+// The plug-in splits a command's arguments at these.
+bool survives_splitting(const std::string &word) {
+    return word.find_first_of(" ,") == std::string::npos;
+}
+
+std::vector<std::string> top_modules(Design &design) {
+    std::vector<std::string> names;
+    for (const Region *root : design.roots()) {
+        if (root->kind != RegionKind::package) {
+            names.push_back(design.full_name(root));
+        }
+    }
+    return names;
+}
+
+std::string joined(const std::vector<std::string> &words) {
+    std::string text;
+    for (const std::string &word : words) {
+        text += (text.empty() ? "" : " ") + word;
+    }
+    return text;
+}
+
+}  // namespace
+
+ReportRun::ReportRun(const Simulation &simulation, const ReportOptions &options,
+                     const MessageWatch &watch)
+    : simulation_(simulation),
+      options_(options),
+      watch_(watch),
+      notes_(simulation.control, simulation.transcript) {
+}
+
+ExitStatus ReportRun::execute() {
+    if (!settle_arguments()) {
+        return status_;
+    }
+    if (!select_signals() || !open_window()) {
+        return status_ == exit_ok ? exit_error : status_;
+    }
+    return close_window() && write_report() ? status_ : exit_error;
+}
+
+bool ReportRun::settle_arguments() {
+    status_ = exit_usage;
+    if (!settle_names() || !settle_times() || !settle_unit()) {
+        return false;
+    }
+    status_ = exit_error;
+    if (!settle_output()) {
+        return false;
+    }
+    status_ = exit_ok;
+    return true;
+}
+
+bool ReportRun::is_region(const std::string &path) const {
+    return simulation_.session.design.find_region(path) != nullptr;
+}
+
+bool ReportRun::settle_names() {
+    Design &design = simulation_.session.design;
+    if (options_.instance.empty()) {
+        const std::vector<std::string> tops = top_modules(design);
+        if (tops.size() != 1) {
+            return tell(tops.empty()
+                            ? "the waveform holds no module"
+                            : "several modules at the top; choose with -instance: " + joined(tops));
+        }
+        options_.instance = tops.front();
+    }
+    if (options_.regions.empty()) {
+        options_.regions.push_back(options_.instance);
+    }
+    for (const std::string &path : {options_.instance, options_.testbench}) {
+        if (!path.empty() && !is_region(path)) {
+            return tell("no instance " + path + " in the waveform");
+        }
+    }
+    for (const std::string &path : options_.regions) {
+        if (!is_region(path) && design.find_signal(path) == nullptr) {
+            return tell("no region or signal " + path + " in the waveform");
+        }
+    }
+    std::vector<std::string> words = options_.regions;
+    words.insert(words.end(), {options_.saif, options_.instance, options_.rtl, options_.testbench});
+    for (const std::string &word : words) {
+        if (!survives_splitting(word)) {
+            return tell("\"" + word +
+                        "\" has a blank or a comma, where the plug-in's commands end a word");
+        }
+    }
+    return true;
+}
+
+bool ReportRun::settle_times() {
+    const auto settle = [this](const std::string &text, Ticks *ticks) {
+        if (text.empty()) {
+            return true;
+        }
+        const ParsedTime time = parse_time(text, simulation_.control.resolution_exponent());
+        *ticks = time.ticks;
+        notes_.tell_rounding(text, time);
+        return time.error.empty() || tell(time.error);
+    };
+    if (!settle(options_.start, &start_) || !settle(options_.stop, &stop_)) {
+        return false;
+    }
+    return start_ < stop_ || tell("-stop " + options_.stop + " is not after the start");
+}
+
+bool ReportRun::settle_unit() {
+    const int resolution = simulation_.control.resolution_exponent();
+    if (options_.unit.empty()) {
+        // Durations have six decimals, so that nanoseconds show every finer resolution exactly.
+        options_.unit = "1.0e" + std::to_string(resolution > -9 ? resolution : -9);
+        return true;
+    }
+    char *end = nullptr;
+    const double unit = std::strtod(options_.unit.c_str(), &end);
+    const bool usable = *end == '\0' && unit > 0 && std::isfinite(unit) &&
+                        std::trunc(std::log10(unit)) >= -15 && std::trunc(std::log10(unit)) <= 0;
+    return usable || tell("-unit: expected a number of seconds from 1.0e-15 to 1.0, got \"" +
+                          options_.unit + "\"");
+}
+
+bool ReportRun::settle_output() {
+    namespace fs = std::filesystem;
+    const std::string &path = options_.saif;
+    std::error_code error;
+    if (fs::is_directory(path, error)) {
+        return tell(path + ": cannot write the report: it is a folder");
+    }
+    const fs::path parent = fs::path(path).parent_path();
+    const std::string folder = parent.empty() ? "." : parent.string();
+    const bool there = fs::exists(path, error);
+    if (access(there ? path.c_str() : folder.c_str(), W_OK) != 0) {
+        return tell(path + ": cannot write the report: " + std::strerror(errno));
+    }
+    return true;
+}
+
+bool ReportRun::select_signals() {
+    if (!options_.rtl.empty()) {
+        const std::string testbench = options_.testbench.empty() ? "" : " " + options_.testbench;
+        if (!command("read_rtl_saif", options_.rtl + testbench)) {
+            return false;
+        }
+    }
+    for (const std::string &policy : options_.policies) {
+        if (!command("set_net_monitoring_policy", policy)) {
+            return false;
+        }
+    }
+    return command("set_toggle_region", joined(options_.regions));
+}
+
+bool ReportRun::open_window() {
+    run_until(start_);
+    const RunControl &control = simulation_.control;
+    if (status_ != exit_ok) {
+        return tell("no report: the run ended before the window opened");
+    }
+    if (control.now() < start_) {
+        return tell("no report: the waveform ends at " +
+                    format_time(control.now(), control.resolution_exponent()) + ", before -start");
+    }
+    return command("toggle_start", "");
+}
+
+bool ReportRun::close_window() {
+    return run_until(stop_) && command("toggle_stop", "");
+}
+
+bool ReportRun::write_report() {
+    const unsigned before = watch_.reports;
+    if (!command("toggle_report", options_.saif + " " + options_.unit + " " + options_.instance)) {
+        return false;
+    }
+    if (watch_.reports == before) {
+        return tell(options_.saif + ": the plug-in did not say that it wrote the report");
+    }
+    const std::string error = check_saif_file(options_.saif);
+    return error.empty() || tell(error);
+}
+
+bool ReportRun::command(const std::string &name, const std::string &arguments) {
+    const unsigned before = watch_.errors;
+    if (!simulation_.session.run_command(name, arguments.empty() ? name : name + " " + arguments)) {
+        return tell("the plug-in has no command " + name);
+    }
+    return watch_.errors == before;
+}
+
+void ReportRun::run_until(Ticks limit) {
+    const RunEnd end = simulation_.control.start(limit);
+    notes_.tell(end, limit);
+    if (end == RunEnd::interrupted) {
+        take_interrupt();
+        status_ = exit_interrupted;
+        simulation_.transcript.print("Note: " + notes_.interruption());
+    } else if (end == RunEnd::damaged) {
+        status_ = exit_damaged;
+    }
+}
+
+bool ReportRun::tell(const std::string &error) {
+    simulation_.transcript.print("Error: " + error);
+    return false;
+}
+
+}  // namespace wf
