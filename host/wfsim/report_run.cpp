@@ -191,7 +191,8 @@ bool ReportRun::open_window() {
 }
 
 bool ReportRun::close_window() {
-    return run_until(stop_) && command("toggle_stop", "");
+    run_until(stop_);
+    return command("toggle_stop", "");
 }
 
 bool ReportRun::write_report() {
