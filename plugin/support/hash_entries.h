@@ -16,7 +16,7 @@ union st_word {
 struct st_entry {
     st_word key;
     st_word value;
-    st_entry *next;    // in the same bin
+    void *next;        // st_entry in the same bin
     int32_t sequence;  // rank by insertion
 };
 

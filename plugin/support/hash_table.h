@@ -4,7 +4,7 @@
 //
 // Two kinds. A keyed table maps a word to a word and owns its entries, not the keys and values. An
 // object table chains entries that the caller makes with malloc and that hold key and link
-// themselves. All memory is assumed to be had.
+// (a void *) themselves. All memory is assumed to be had.
 #ifndef WATTFORGE_PLUGIN_SUPPORT_HASH_TABLE_H
 #define WATTFORGE_PLUGIN_SUPPORT_HASH_TABLE_H
 
@@ -98,11 +98,20 @@ void *st_find_internal(const st_table *table, const void *key);
 void st_add_internal(st_table *table, void *entry);
 void *st_delete_internal(st_table *table, const void *key);
 
-// The mechanism under all keyed forms: the entry of a key or null; the entry of a key, added when
+// The mechanism under the forms. The entry of a key, or null; the entry of a key, added when
 // absent; removal into `removed`; the next key and value of a walk (0: none is left).
 st_entry *st_entry_of(const st_table *table, const void *key);
 st_entry *st_obtain_entry(st_table *table, const void *key, int *present);
 int st_remove_entry(st_table *table, const void *key, st_entry *removed);
 int st_next_words(st_generator *generator, st_word *key, st_word *value);
+
+// Numbers the entries of a keyed table anew, in order and without holes.
+void st_renumber(st_table *table);
+
+// The key and the chain link of an entry.
+const void *st_key_of(const st_table *table, const void *entry);
+inline void **st_link_of(const st_table *table, void *entry) {
+    return reinterpret_cast<void **>(static_cast<char *>(entry) + table->next_offset);
+}
 
 #endif

@@ -12,18 +12,22 @@ inline const void *st_key_word(const void *key) {
 inline const void *st_key_word(intptr_t key) {
     return reinterpret_cast<const void *>(key);
 }
+
+// The address of a word, and the word itself, as either type.
 inline void **st_place(st_word *word, void ** /*type*/) {
     return &word->pointer;
 }
 inline intptr_t *st_place(st_word *word, intptr_t * /*type*/) {
     return &word->integer;
 }
-
-// Hands a word out through an address of either type; a null address takes nothing.
-template <class Value>
-void st_hand_out(st_word word, Value *out) {
+inline void st_hand_out(st_word word, void **out) {
     if (out != nullptr) {
-        *out = *st_place(&word, out);
+        *out = word.pointer;
+    }
+}
+inline void st_hand_out(st_word word, intptr_t *out) {
+    if (out != nullptr) {
+        *out = word.integer;
     }
 }
 
@@ -92,30 +96,30 @@ int st_gen(st_generator *generator, Stored *key, Value *value) {
     return 1;
 }
 
-constexpr auto st_insert_kptr_vint = st_insert<const void *, intptr_t>;
-constexpr auto st_insert_kint_vptr = st_insert<intptr_t, void *>;
-constexpr auto st_insert_kint_vint = st_insert<intptr_t, intptr_t>;
+inline constexpr auto st_insert_kptr_vint = st_insert<const void *, intptr_t>;
+inline constexpr auto st_insert_kint_vptr = st_insert<intptr_t, void *>;
+inline constexpr auto st_insert_kint_vint = st_insert<intptr_t, intptr_t>;
 
-constexpr auto st_lookup_kptr_vint = st_lookup<const void *, intptr_t>;
-constexpr auto st_lookup_kint_vptr = st_lookup<intptr_t, void *>;
-constexpr auto st_lookup_kint_vint = st_lookup<intptr_t, intptr_t>;
+inline constexpr auto st_lookup_kptr_vint = st_lookup<const void *, intptr_t>;
+inline constexpr auto st_lookup_kint_vptr = st_lookup<intptr_t, void *>;
+inline constexpr auto st_lookup_kint_vint = st_lookup<intptr_t, intptr_t>;
 
-constexpr auto st_find_kptr_vint = st_find<const void *, intptr_t>;
-constexpr auto st_find_kint_vptr = st_find<intptr_t, void *>;
-constexpr auto st_find_kint_vint = st_find<intptr_t, intptr_t>;
+inline constexpr auto st_find_kptr_vint = st_find<const void *, intptr_t>;
+inline constexpr auto st_find_kint_vptr = st_find<intptr_t, void *>;
+inline constexpr auto st_find_kint_vint = st_find<intptr_t, intptr_t>;
 
-constexpr auto st_find_or_add_kptr_vint = st_find_or_add<const void *, intptr_t>;
-constexpr auto st_find_or_add_kint_vptr = st_find_or_add<intptr_t, void *>;
-constexpr auto st_find_or_add_kint_vint = st_find_or_add<intptr_t, intptr_t>;
+inline constexpr auto st_find_or_add_kptr_vint = st_find_or_add<const void *, intptr_t>;
+inline constexpr auto st_find_or_add_kint_vptr = st_find_or_add<intptr_t, void *>;
+inline constexpr auto st_find_or_add_kint_vint = st_find_or_add<intptr_t, intptr_t>;
 
-constexpr auto st_is_member_kint = st_is_member<intptr_t>;
+inline constexpr auto st_is_member_kint = st_is_member<intptr_t>;
 
-constexpr auto st_delete_kptr_vint = st_delete<const void *, void *, intptr_t>;
-constexpr auto st_delete_kint_vptr = st_delete<intptr_t, intptr_t, void *>;
-constexpr auto st_delete_kint_vint = st_delete<intptr_t, intptr_t, intptr_t>;
+inline constexpr auto st_delete_kptr_vint = st_delete<const void *, void *, intptr_t>;
+inline constexpr auto st_delete_kint_vptr = st_delete<intptr_t, intptr_t, void *>;
+inline constexpr auto st_delete_kint_vint = st_delete<intptr_t, intptr_t, intptr_t>;
 
-constexpr auto st_gen_kptr_vint = st_gen<void *, intptr_t>;
-constexpr auto st_gen_kint_vptr = st_gen<intptr_t, void *>;
-constexpr auto st_gen_kint_vint = st_gen<intptr_t, intptr_t>;
+inline constexpr auto st_gen_kptr_vint = st_gen<void *, intptr_t>;
+inline constexpr auto st_gen_kint_vptr = st_gen<intptr_t, void *>;
+inline constexpr auto st_gen_kint_vint = st_gen<intptr_t, intptr_t>;
 
 #endif
