@@ -1,0 +1,99 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Measures replay with every bit watched and the report written, beside two yardsticks in one run.
+
+For each waveform: `wc -l`, the bare counter, and wfsim; interleaved, medians of all rounds. CPU is
+user and system time, the ratios are of CPU times.
+"""
+
+import argparse
+import os
+import pathlib
+import platform
+import re
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+KINDS = ("cpu", "netlist", "buses")
+COLUMNS = ("waveform", "MB", "bits", "program", "CPU s", "wall s", "MB/s", "peak MB", "x wc -l",
+           "x bare", "bytes/bit")
+
+
+def measure(command, folder):
+    """One run: (CPU seconds, wall seconds, peak bytes)."""
+    started = time.perf_counter()
+    process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+    complaint = process.stderr.read()
+    _, status, usage = os.wait4(process.pid, 0)
+    wall = time.perf_counter() - started
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        sys.exit(f"{' '.join(map(str, command))}: {complaint.decode()}")
+    return usage.ru_utime + usage.ru_stime, wall, usage.ru_maxrss * 1024
+
+
+def count_bits(report):
+    with open(report, encoding="latin-1") as file:
+        return sum(1 for line in file if "(T0 " in line)
+
+
+def programs(build, waveform):
+    return {
+        "wc -l": ["wc", "-l", waveform],
+        "bare": [build / "bin/bare_counter", waveform],
+        "wfsim": [build / "bin/wfsim", waveform, "-saif", "out.saif"],
+    }
+
+
+def rows_for(build, waveform, rounds):
+    """The table rows of one waveform."""
+    commands = programs(build, waveform)
+    samples = {name: [] for name in commands}
+    with tempfile.TemporaryDirectory() as folder:
+        for _ in range(rounds):
+            for name, command in commands.items():
+                samples[name].append(measure(command, folder))
+        bits = count_bits(pathlib.Path(folder) / "out.saif")
+    megabytes = waveform.stat().st_size / 1e6
+    middle = {name: [statistics.median(column) for column in zip(*runs)]
+              for name, runs in samples.items()}
+    for name, (cpu, wall, peak) in middle.items():
+        yield (waveform.stem, f"{megabytes:.0f}", bits, name, f"{cpu:.2f}", f"{wall:.2f}",
+               f"{megabytes / cpu:.0f}", f"{peak / 1e6:.1f}", f"{cpu / middle['wc -l'][0]:.1f}",
+               f"{cpu / middle['bare'][0]:.2f}",
+               f"{peak / bits:.0f}" if name == "wfsim" else "")
+
+
+def print_table(rows):
+    widths = [max(len(str(row[i])) for row in rows) for i in range(len(COLUMNS))]
+    for row in rows:
+        print("  ".join(str(cell).rjust(width) for cell, width in zip(row, widths)))
+
+
+def processor():
+    found = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
+    return found[1] if found else platform.machine()
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--build", type=pathlib.Path, required=True)
+    parser.add_argument("--data", type=pathlib.Path, required=True)
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("sizes", nargs="+", help="megabytes")
+    options = parser.parse_args()
+    build, data = options.build.resolve(), options.data.resolve()
+    print(f"{processor()}, {os.cpu_count()} processors; medians of {options.rounds} rounds")
+    rows = [COLUMNS]
+    for size in options.sizes:
+        for kind in KINDS:
+            rows += rows_for(build, data / f"{kind}_{size}.vcd", options.rounds)
+    print_table(rows)
+
+
+if __name__ == "__main__":
+    main()
