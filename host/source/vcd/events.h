@@ -1,0 +1,356 @@
+// SPDX-License-Identifier: Apache-2.0
+// The events of a VCD file: value changes, times and the sections around them, handed to a sink one
+// by one. Reads and checks; decides nothing. The loop is a template on the sink, so that a sink's
+// functions become part of it.
+//
+// A sink has these functions; slots and widths are those of the targets in the table of codes,
+// values are positions in std_logic (U X '0' '1' Z W L H -):
+//
+//     bool time(Ticks time);                                  // later than the one before; false:
+//                                                             // stop here, before its changes
+//     void bit(Slot slot, uint8_t value);
+//     void bits(Slot first, const uint8_t *values, uint32_t count);  // left to right
+//     void real(Slot slot, double value);
+//
+// What the format leaves open, and what is done:
+// - Changes before the first time belong to time 0.
+// - A short value is extended on the left: 0 and 1 by 0, x by x, z by z. A long one is cut when its
+//   surplus is what an extension would have added, else refused. A scalar change of a vector is a
+//   value of one digit.
+// - x and z may be capitals; the other letters of std_logic (u w l h -) are taken as they are.
+// - A last line without its line end is a file that was cut off, perhaps inside a code or a time:
+//   its change is not applied.
+// - $dumpvars and its like need their $end, but times may stand inside.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/kernel/kernel.h"
+#include "host/source/vcd/ids.h"
+#include "host/source/vcd/tokens.h"
+
+namespace wf::vcd {
+
+enum class EventsEnd : uint8_t {
+    stopped,      // the sink said so; run() carries on from there
+    end_of_data,  // all has been read
+    damaged       // error() says where and why
+};
+
+// Positions in std_logic by character; `no_value` for what is no value.
+inline constexpr uint8_t no_value = 0xff;
+extern const std::array<uint8_t, 256> bit_values;
+
+class Events {
+  public:
+    // Reads from where `tokens` stands, behind the declarations. Both outlive this object.
+    Events(Tokens &tokens, const IdTable &ids);
+
+    // Feeds the sink until it says stop, the data ends, or it makes no sense.
+    template <typename Sink>
+    EventsEnd run(Sink &sink);
+
+    const std::string &error() const { return error_; }
+
+  private:
+    // What became of one statement.
+    enum class Step : uint8_t {
+        done,   // the cursor stands behind it
+        more,   // it runs into the end of the buffer: to be read again when there is more
+        stop,   // done, and the sink wants no more
+        fault,  // error_ is set
+    };
+    // What a code refers to.
+    struct Reference {
+        std::string_view code;
+        Target target;
+        const char *after;  // behind the code and its blank
+    };
+
+    // One for each kind of statement; `at` is its start, and moves behind it when it is done.
+    template <typename Sink>
+    Step other(const char *&at, Sink &sink);
+    template <typename Sink>
+    Step bit(const char *&at, uint8_t value, Sink &sink);
+    template <typename Sink>
+    Step vector(const char *&at, Sink &sink);
+    template <typename Sink>
+    Step port(const char *&at, Sink &sink);
+    template <typename Sink>
+    Step real(const char *&at, Sink &sink);
+    template <typename Sink>
+    Step time(const char *&at, Sink &sink);
+    Step text(const char *&at);
+    Step section(const char *&at);
+    EventsEnd finish(const char *at);
+
+    // Hands over the `count` digits that lie at first_digit().
+    template <typename Sink>
+    Step place(const char *at, const Reference &reference, uint32_t count, Sink &sink);
+    // The same for one target that is bits; false: there are too many digits.
+    template <typename Sink>
+    bool place_bits(Target target, uint32_t count, Sink &sink);
+
+    uint8_t *first_digit() { return digits_.data() + widest_; }
+    uint32_t convert_digits(const char *text);
+    uint32_t surplus_digits(uint32_t count, uint32_t width);
+    void extend_digits(uint32_t by);
+    Step read_reference(const char *at, const char *code, Reference &reference);
+    Step read_odd_reference(const char *at, const char *code, Reference &reference);
+    Step read_port_states(const char *at, uint32_t &count, const char *&code);
+    Step read_real(const char *at, double &value, const char *&code);
+    Step read_time(const char *at, Ticks &value, const char *&after);
+
+    const char *skip_blanks(const char *text) const;
+    const char *skip_word(const char *text) const;
+    Step fault(const char *at, std::string_view expected, std::string_view got);
+    Step fault_at_word(const char *at, std::string_view expected);
+    Step fault_in_digits(const char *at, uint32_t count);
+    Step fault_in_target(const char *at, const Reference &reference, uint32_t count);
+
+    Tokens &tokens_;
+    const IdTable &ids_;
+    uint32_t widest_;
+    uint32_t capacity_;            // digits that may follow first_digit()
+    std::vector<uint8_t> digits_;  // room to extend by, digits, and a word to spare
+    Ticks time_ = 0;               // the last that was read
+    std::string block_;            // the $dump section that is open
+    bool block_timed_ = false;     // a time stood in it
+    std::string error_;
+};
+
+template <typename Sink>
+EventsEnd Events::run(Sink &sink) {
+    const char *at = tokens_.cursor();
+    for (;;) {
+        const uint8_t value = bit_values[static_cast<unsigned char>(*at)];
+        if (value != no_value) {
+            const Code code = Code::at(at + 1);
+            const char *after = at + 1 + code.length;
+            const Target target = ids_.find(code);
+            if (target.shape == 1 && after < tokens_.end()) [[likely]] {
+                sink.bit(target.slot, value);
+                at = after + 1;
+                continue;
+            }
+        }
+        // A copy goes by reference, so that `at` itself can stay in a register.
+        const char *place = at;
+        const Step step = value != no_value ? bit(place, value, sink) : other(place, sink);
+        at = place;
+        if (step == Step::more && !tokens_.more(at)) {
+            return finish(at);
+        }
+        if (step == Step::stop || step == Step::fault) {
+            tokens_.move_to(at);
+            return step == Step::stop ? EventsEnd::stopped : EventsEnd::damaged;
+        }
+    }
+}
+
+// Whatever does not begin with a value.
+template <typename Sink>
+Events::Step Events::other(const char *&at, Sink &sink) {
+    switch (*at) {
+        case 'b':
+        case 'B':
+            return vector(at, sink);
+        case '#':
+            return time(at, sink);
+        case '\n':
+        case '\r':
+        case ' ':
+        case '\t':
+        case '\v':
+        case '\f':
+            at = skip_blanks(at);
+            return Step::done;
+        case '$':
+            return section(at);
+        case 'r':
+        case 'R':
+            return real(at, sink);
+        case 's':
+        case 'S':
+            return text(at);
+        case 'p':
+        case 'P':
+            return port(at, sink);
+        default:
+            return at == tokens_.end() ? Step::more : fault_at_word(at, "a value change or a time");
+    }
+}
+
+// A scalar change that the loop has left aside: its code is incomplete, unknown, long, or not that
+// of one bit.
+template <typename Sink>
+Events::Step Events::bit(const char *&at, uint8_t value, Sink &sink) {
+    Reference reference;
+    Step step = read_reference(at, at + 1, reference);
+    if (step == Step::done) {
+        *first_digit() = value;
+        step = place(at, reference, 1, sink);
+        at = reference.after;
+    }
+    return step;
+}
+
+template <typename Sink>
+Events::Step Events::vector(const char *&at, Sink &sink) {
+    const uint32_t count = convert_digits(at + 1);
+    const char *behind = at + 1 + count;
+    if (behind >= tokens_.end()) {
+        return Step::more;
+    }
+    if (!is_blank(*behind) || count == 0) [[unlikely]] {
+        return fault_in_digits(at, count);
+    }
+    Reference reference;
+    Step step = read_reference(at, skip_blanks(behind), reference);
+    if (step == Step::done) {
+        step = place(at, reference, count, sink);
+        at = reference.after;
+    }
+    return step;
+}
+
+// States, then the strengths of 0 and of 1, which nobody asks for.
+template <typename Sink>
+Events::Step Events::port(const char *&at, Sink &sink) {
+    uint32_t count = 0;
+    const char *code = nullptr;
+    Step step = read_port_states(at, count, code);
+    Reference reference;
+    if (step == Step::done) {
+        step = read_reference(at, code, reference);
+    }
+    if (step == Step::done) {
+        step = place(at, reference, count, sink);
+        at = reference.after;
+    }
+    return step;
+}
+
+template <typename Sink>
+Events::Step Events::real(const char *&at, Sink &sink) {
+    double value = 0;
+    const char *code = nullptr;
+    Step step = read_real(at, value, code);
+    Reference reference;
+    if (step == Step::done) {
+        step = read_reference(at, code, reference);
+    }
+    if (step != Step::done) {
+        return step;
+    }
+    const bool several = reference.target.is_several();
+    const Target *target = several ? ids_.extra(reference.target) : &reference.target;
+    for (uint32_t left = several ? reference.target.count() : 1; left > 0; --left, ++target) {
+        if (target->shape == Target::real) {
+            sink.real(target->slot, value);
+        } else if (target->is_bits()) {
+            return fault_in_target(at, reference, 0);
+        }
+    }
+    at = reference.after;
+    return Step::done;
+}
+
+template <typename Sink>
+Events::Step Events::time(const char *&at, Sink &sink) {
+    Ticks value = 0;
+    const char *after = at;
+    const Step step = read_time(at, value, after);
+    if (step != Step::done) {
+        return step;
+    }
+    at = after;
+    block_timed_ = true;
+    if (value == time_) {
+        return Step::done;
+    }
+    time_ = value;
+    return sink.time(value) ? Step::done : Step::stop;
+}
+
+// A number that is left as it is by a change of bits: a real has no x for $dumpoff.
+template <typename Sink>
+Events::Step Events::place(const char *at, const Reference &reference, uint32_t count, Sink &sink) {
+    const Target target = reference.target;
+    if (target.is_bits()) [[likely]] {
+        return place_bits(target, count, sink) ? Step::done : fault_in_target(at, reference, count);
+    }
+    bool placed = !target.is_several();
+    for (uint32_t i = 0; target.is_several() && i < target.count(); ++i) {
+        const Target one = ids_.extra(target)[i];
+        placed |= !one.is_bits() || place_bits(one, count, sink);
+    }
+    return placed ? Step::done : fault_in_target(at, reference, count);
+}
+
+template <typename Sink>
+bool Events::place_bits(Target target, uint32_t count, Sink &sink) {
+    const uint32_t width = target.shape;
+    const uint8_t *digits = first_digit();
+    if (count < width) {
+        extend_digits(width - count);
+        digits -= width - count;
+    } else if (count > width) {
+        if (surplus_digits(count, width) < count - width) {
+            return false;
+        }
+        digits += count - width;
+    }
+    if (width == 1) {
+        sink.bit(target.slot, *digits);
+    } else {
+        sink.bits(target.slot, digits, width);
+    }
+    return true;
+}
+
+inline Events::Step Events::read_reference(const char *at, const char *code, Reference &reference) {
+    const Code found = Code::at(code);
+    reference.target = ids_.find(found);
+    reference.after = code + found.length + 1;
+    if (reference.after > tokens_.end() || reference.target.shape == Target::undeclared)
+        [[unlikely]] {
+        return read_odd_reference(at, code, reference);
+    }
+    reference.code = std::string_view(code, found.length);
+    return Step::done;
+}
+
+// The digits from `text` on, up to what is none, as positions at first_digit(). Eight at a time as
+// long as they are 0 and 1, which differ from the positions of '0' and '1' in one bit.
+inline uint32_t Events::convert_digits(const char *text) {
+    constexpr uint64_t ones = 0x0101010101010101U;
+    uint8_t *digits = first_digit();
+    uint32_t count = 0;
+    while (count < capacity_) {
+        uint64_t word;
+        std::memcpy(&word, text + count, sizeof word);
+        const uint64_t others = (word ^ ones * '0') & ~ones;
+        word = (word & ones) | ones * 2;
+        std::memcpy(digits + count, &word, sizeof word);
+        if (others == 0) {
+            count += 8;
+            continue;
+        }
+        count += static_cast<uint32_t>(std::countr_zero(others)) / 8;
+        const uint8_t value = bit_values[static_cast<unsigned char>(text[count])];
+        if (value == no_value) {
+            break;
+        }
+        digits[count++] = value;
+    }
+    return count;
+}
+
+}  // namespace wf::vcd

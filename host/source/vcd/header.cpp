@@ -1,0 +1,344 @@
+// SPDX-License-Identifier: Apache-2.0
+// One function for each section of the declarations, each checking its end mark.
+#include "host/source/vcd/header.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <utility>
+
+#include "host/source/vcd/ids.h"
+
+namespace wf::vcd {
+namespace {
+
+struct ScopeName {
+    std::string_view text;
+    RegionKind kind;
+};
+
+// The kinds of the standards and those that converters from other waveforms write.
+constexpr ScopeName scope_names[] = {
+    {"module", RegionKind::module},
+    {"task", RegionKind::task},
+    {"function", RegionKind::function},
+    {"begin", RegionKind::named_block},
+    {"fork", RegionKind::named_block},
+    {"generate", RegionKind::generate},
+    {"struct", RegionKind::record},
+    {"union", RegionKind::record},
+    {"class", RegionKind::record},
+    {"interface", RegionKind::interface},
+    {"package", RegionKind::package},
+    {"program", RegionKind::program},
+    {"vhdl_architecture", RegionKind::instance},
+    {"vhdl_procedure", RegionKind::task},
+    {"vhdl_function", RegionKind::function},
+    {"vhdl_record", RegionKind::record},
+    {"vhdl_process", RegionKind::process},
+    {"vhdl_block", RegionKind::block},
+    {"vhdl_for_generate", RegionKind::generate},
+    {"vhdl_if_generate", RegionKind::generate},
+    {"vhdl_generate", RegionKind::generate},
+    {"vhdl_package", RegionKind::package},
+};
+
+struct VariableName {
+    std::string_view text;
+    VariableUse use;
+};
+
+constexpr VariableName variable_names[] = {
+    {"wire", VariableUse::bits},      {"reg", VariableUse::bits},
+    {"logic", VariableUse::bits},     {"integer", VariableUse::bits},
+    {"port", VariableUse::port},      {"parameter", VariableUse::ignored},
+    {"event", VariableUse::ignored},  {"real", VariableUse::real},
+    {"time", VariableUse::bits},      {"realtime", VariableUse::real},
+    {"shortreal", VariableUse::real}, {"real_parameter", VariableUse::ignored},
+    {"string", VariableUse::ignored}, {"tri", VariableUse::bits},
+    {"tri0", VariableUse::bits},      {"tri1", VariableUse::bits},
+    {"triand", VariableUse::bits},    {"trior", VariableUse::bits},
+    {"trireg", VariableUse::bits},    {"wand", VariableUse::bits},
+    {"wor", VariableUse::bits},       {"uwire", VariableUse::bits},
+    {"supply0", VariableUse::bits},   {"supply1", VariableUse::bits},
+    {"bit", VariableUse::bits},       {"byte", VariableUse::bits},
+    {"shortint", VariableUse::bits},  {"int", VariableUse::bits},
+    {"longint", VariableUse::bits},   {"enum", VariableUse::bits},
+};
+
+template <typename Number>
+bool read_number(std::string_view text, Number &value) {
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    return !text.empty() && result.ec == std::errc() && result.ptr == text.data() + text.size();
+}
+
+// The last group in brackets of `text`, not looking before `floor`; empty when it does not end in
+// one.
+std::string_view last_group(std::string_view text, std::size_t floor) {
+    const std::size_t open = text.rfind('[');
+    if (text.empty() || text.back() != ']' || open == std::string_view::npos || open < floor) {
+        return {};
+    }
+    return text.substr(open);
+}
+
+bool read_range(std::string_view group, int32_t &left, int32_t &right) {
+    const std::size_t colon = group.find(':');
+    return colon != std::string_view::npos && read_number(group.substr(1, colon - 1), left) &&
+           read_number(group.substr(colon + 1, group.size() - colon - 2), right);
+}
+
+bool read_index(std::string_view group, int32_t &index) {
+    return group.size() > 2 && read_number(group.substr(1, group.size() - 2), index);
+}
+
+uint64_t range_width(int32_t left, int32_t right) {
+    return static_cast<uint64_t>(std::abs(int64_t{left} - right)) + 1;
+}
+
+// Seconds as a power of ten, from texts such as 1ns, 100us, 10s.
+bool read_timescale(std::string_view text, int &exponent) {
+    constexpr std::string_view units[] = {"s", "ms", "us", "ns", "ps", "fs"};
+    const std::size_t digits = std::min(text.find_first_not_of("0123456789"), text.size());
+    const std::string_view number = text.substr(0, digits);
+    const auto *unit = std::find(std::begin(units), std::end(units), text.substr(digits));
+    if (unit == std::end(units) || (number != "1" && number != "10" && number != "100")) {
+        return false;
+    }
+    exponent = static_cast<int>(number.size()) - 1 - 3 * static_cast<int>(unit - units);
+    return true;
+}
+
+class HeaderReader {
+  public:
+    HeaderReader(Tokens &tokens, HeaderSink &sink, std::string *error)
+        : tokens_(tokens), sink_(sink), error_(error) {}
+
+    bool read();
+
+  private:
+    bool read_section(std::string_view keyword);
+    bool read_scope();
+    bool read_upscope();
+    bool read_timescale_section();
+    bool read_variable();
+    bool read_kind(Variable &variable);
+    bool read_width(Variable &variable);
+    bool read_name(Variable &variable, bool *escaped);
+    bool read_suffix(Variable &variable, std::size_t floor);
+    bool read_end(std::string_view section);
+    bool skip_section(std::string_view section);
+    bool fault(std::string_view expected) {
+        *error_ = tokens_.fault(expected);
+        return false;
+    }
+
+    bool fault(std::string_view expected, std::string_view got) {
+        *error_ = tokens_.fault(expected, quoted(got));
+        return false;
+    }
+
+    Tokens &tokens_;
+    HeaderSink &sink_;
+    std::string *error_;
+    uint32_t depth_ = 0;  // open scopes
+    // Kept from one variable to the next for their capacity.
+    std::string code_;
+    std::string name_;
+};
+
+bool HeaderReader::read() {
+    for (;;) {
+        // A copy, since the token goes when the section reads on.
+        const std::string keyword(tokens_.next());
+        if (keyword.empty() || keyword[0] != '$' || keyword.starts_with("$dump")) {
+            return fault("$enddefinitions");
+        }
+        if (!read_section(keyword)) {
+            return false;
+        }
+        if (keyword == "$enddefinitions") {
+            return true;
+        }
+    }
+}
+
+bool HeaderReader::read_section(std::string_view keyword) {
+    if (keyword == "$var") {
+        return read_variable();
+    }
+    if (keyword == "$scope") {
+        return read_scope();
+    }
+    if (keyword == "$upscope") {
+        return read_upscope();
+    }
+    if (keyword == "$timescale") {
+        return read_timescale_section();
+    }
+    if (keyword == "$enddefinitions") {
+        return read_end(keyword);
+    }
+    if (keyword == "$end") {
+        return fault("a section");
+    }
+    // $date, $version, $comment and what vendors add.
+    return skip_section(keyword);
+}
+
+bool HeaderReader::read_end(std::string_view section) {
+    if (tokens_.next() == "$end") {
+        return true;
+    }
+    return fault("$end of " + std::string(section));
+}
+
+bool HeaderReader::skip_section(std::string_view section) {
+    return tokens_.skip_past("$end") || fault("$end of " + std::string(section));
+}
+
+bool HeaderReader::read_scope() {
+    const std::string_view text = tokens_.next();
+    if (text.empty() || text[0] == '$') {
+        return fault("the kind of a scope");
+    }
+    const auto *known = std::find_if(std::begin(scope_names), std::end(scope_names),
+                                     [&](const ScopeName &name) { return name.text == text; });
+    const RegionKind kind = known == std::end(scope_names) ? RegionKind::module : known->kind;
+    std::string_view name = tokens_.next();
+    if (name.empty() || name == "$end") {
+        return fault("the name of a scope");
+    }
+    name.remove_prefix(name[0] == '\\' && name.size() > 1 ? 1 : 0);
+    sink_.open_scope(kind, name);
+    ++depth_;
+    return read_end("$scope");
+}
+
+bool HeaderReader::read_upscope() {
+    if (depth_ == 0) {
+        return fault("an open $scope");
+    }
+    --depth_;
+    sink_.close_scope();
+    return read_end("$upscope");
+}
+
+bool HeaderReader::read_timescale_section() {
+    std::string text;
+    std::string_view token = tokens_.next();
+    while (!token.empty() && token[0] != '$') {
+        text += token;
+        token = tokens_.next();
+    }
+    if (token != "$end") {
+        return fault("$end of $timescale");
+    }
+    int exponent = 0;
+    if (!read_timescale(text, exponent)) {
+        return fault("a timescale of 1, 10 or 100 s, ms, us, ns, ps or fs", text);
+    }
+    sink_.resolution(exponent);
+    return true;
+}
+
+bool HeaderReader::read_kind(Variable &variable) {
+    const std::string_view text = tokens_.next();
+    const auto *known = std::find_if(std::begin(variable_names), std::end(variable_names),
+                                     [&](const VariableName &name) { return name.text == text; });
+    if (known == std::end(variable_names)) {
+        return fault("the kind of a variable");
+    }
+    variable.use = known->use;
+    return true;
+}
+
+// A number, or, where a module's ports are dumped, a range.
+bool HeaderReader::read_width(Variable &variable) {
+    const std::string_view text = tokens_.next();
+    uint64_t width = 0;
+    if (!text.empty() && text[0] == '[' && read_range(text, variable.left, variable.right)) {
+        variable.has_range = true;
+        width = range_width(variable.left, variable.right);
+    } else if (!read_number(text, width)) {
+        return fault("a width in bits");
+    }
+    const bool is_bits = variable.use == VariableUse::bits || variable.use == VariableUse::port;
+    if (is_bits && (width == 0 || width > max_width)) {
+        return fault("a width of 1 to " + std::to_string(max_width) + " bits");
+    }
+    variable.width = static_cast<uint32_t>(std::min<uint64_t>(width, UINT32_MAX));
+    return true;
+}
+
+// The name and whatever follows it up to $end, without the blanks between.
+bool HeaderReader::read_name(Variable &variable, bool *escaped) {
+    std::string_view token = tokens_.next();
+    if (token.empty() || token == "$end") {
+        return fault("the name of a variable");
+    }
+    *escaped = token[0] == '\\' && token.size() > 1;
+    name_.assign(token.substr(*escaped ? 1 : 0));
+    const std::size_t first_length = name_.size();
+    for (token = tokens_.next(); !token.empty() && token[0] != '$'; token = tokens_.next()) {
+        name_ += token;
+    }
+    if (token != "$end") {
+        return fault("$end of $var");
+    }
+    return read_suffix(variable, *escaped ? first_length : 0);
+}
+
+// Takes range and index off the name. In an escaped name, brackets before `floor` belong to the
+// name; but a vector whose escaped name ends in an index is how memories' words are dumped.
+bool HeaderReader::read_suffix(Variable &variable, std::size_t floor) {
+    std::string_view name = name_;
+    const std::string_view group = last_group(name, floor);
+    if (!variable.has_range && read_range(group, variable.left, variable.right)) {
+        variable.has_range = true;
+        name.remove_suffix(group.size());
+    } else if (variable.width == 1 && read_index(group, variable.left)) {
+        variable.has_index = true;
+        name.remove_suffix(group.size());
+    }
+    variable.name = variable.base = name;
+    const std::string_view word = last_group(name, 1);
+    if ((variable.has_range || variable.width > 1) && read_index(word, variable.word)) {
+        variable.base.remove_suffix(word.size());
+    }
+    const bool is_bits = variable.use == VariableUse::bits || variable.use == VariableUse::port;
+    if (is_bits && variable.has_range &&
+        range_width(variable.left, variable.right) != variable.width) {
+        return fault("a range of " + std::to_string(variable.width) + " bits", group);
+    }
+    return !name.empty() || fault("the name of a variable", name_);
+}
+
+bool HeaderReader::read_variable() {
+    Variable variable;
+    if (depth_ == 0) {
+        return fault("$scope before the first $var");
+    }
+    if (!read_kind(variable) || !read_width(variable)) {
+        return false;
+    }
+    code_.assign(tokens_.next());
+    if (code_.empty() || code_ == "$end") {
+        return fault("an identifier code");
+    }
+    variable.code = code_;
+    bool escaped = false;
+    if (!read_name(variable, &escaped)) {
+        return false;
+    }
+    sink_.variable(variable);
+    return true;
+}
+
+}  // namespace
+
+bool read_header(Tokens &tokens, HeaderSink &sink, std::string *error) {
+    return HeaderReader(tokens, sink, error).read();
+}
+
+}  // namespace wf::vcd

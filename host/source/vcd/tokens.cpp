@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+// The sliding buffer and the wording of messages.
+#include "host/source/vcd/tokens.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace wf::vcd {
+namespace {
+
+using Bytes16 = uint8_t __attribute__((vector_size(16)));
+
+// Sixteen at a time: every byte of a long file passes through here once.
+uint64_t count_line_ends(const char *from, const char *to) {
+    uint64_t total = 0;
+    while (to - from >= 16) {
+        Bytes16 counts = {};
+        const char *stop = from + std::min<std::ptrdiff_t>((to - from) & ~15, 16 * 255);
+        for (; from < stop; from += 16) {
+            Bytes16 bytes;
+            std::memcpy(&bytes, from, sizeof bytes);
+            counts -= static_cast<Bytes16>(bytes == '\n');
+        }
+        for (int i = 0; i < 16; ++i) {
+            total += counts[i];
+        }
+    }
+    return total + static_cast<uint64_t>(std::count(from, to, '\n'));
+}
+
+}  // namespace
+
+Tokens::Tokens(std::unique_ptr<Input> input, std::size_t block)
+    : input_(std::move(input)), buffer_(block + slack) {
+    cursor_ = buffer_.data();
+    end_ = cursor_;
+}
+
+// Makes the buffer larger when what is kept fills more than half of it.
+void Tokens::make_room(std::size_t kept) {
+    if (kept * 2 <= buffer_.size() - slack) {
+        return;
+    }
+    buffer_.resize(buffer_.size() * 2 - slack);
+}
+
+bool Tokens::more(const char *&keep) {
+    lines_before_ += count_line_ends(buffer_.data(), keep);
+    const auto kept = static_cast<std::size_t>(end_ - keep);
+    if (keep != buffer_.data()) {
+        std::memmove(buffer_.data(), keep, kept);
+    }
+    overlong_ = kept > longest;
+    ended_ = ended_ || overlong_;
+    if (!ended_) {
+        make_room(kept);
+    }
+    keep = cursor_ = buffer_.data();
+    char *free = buffer_.data() + kept;
+    const std::size_t room = buffer_.size() - slack - kept;
+    const std::size_t count = ended_ ? 0 : input_->read(free, room);
+    ended_ = count == 0;
+    std::memset(free + count, 0, slack);
+    end_ = free + count;
+    if (count > 0 && listener_) {
+        listener_();
+    }
+    return count > 0;
+}
+
+std::string_view Tokens::next() {
+    std::size_t length = 0;
+    do {
+        while (cursor_ < end_ && is_blank(*cursor_)) {
+            ++cursor_;
+        }
+        const char *stop = cursor_;
+        while (!is_blank(*stop)) {
+            ++stop;
+        }
+        length = static_cast<std::size_t>(stop - cursor_);
+    } while (cursor_ + length == end_ && more(cursor_));
+    token_ = std::string_view(cursor_, length);
+    cursor_ += length;
+    return token_;
+}
+
+bool Tokens::skip_past(std::string_view mark) {
+    for (std::string_view token = next(); !token.empty(); token = next()) {
+        if (token == mark) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string Tokens::end_text() const {
+    if (overlong_) {
+        return "more than " + std::to_string(longest) + " bytes without a blank";
+    }
+    return input_->failed() ? input_->failure() : "end of file";
+}
+
+std::string Tokens::fault(std::string_view expected) const {
+    return token_.empty() ? fault_at(end_, expected, end_text())
+                          : fault_at(token_.data(), expected, quoted(token_));
+}
+
+std::string Tokens::fault(std::string_view expected, std::string_view got) const {
+    return fault_at(token_.data(), expected, got);
+}
+
+std::string Tokens::fault_at(const char *place, std::string_view expected,
+                             std::string_view got) const {
+    const uint64_t line = lines_before_ + count_line_ends(buffer_.data(), place) + 1;
+    std::string text = input_->name() + ":" + std::to_string(line) + ": expected ";
+    return text.append(expected).append(", got ").append(got);
+}
+
+std::string quoted(std::string_view text) {
+    constexpr std::size_t shown = 40;
+    std::string result = "'";
+    for (const char character : text.substr(0, shown)) {
+        if (character > ' ' && character < 0x7f) {
+            result += character;
+        } else {
+            constexpr char digits[] = "0123456789abcdef";
+            const auto byte = static_cast<unsigned char>(character);
+            result += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
+        }
+    }
+    return result + (text.size() > shown ? "...'" : "'");
+}
+
+}  // namespace wf::vcd
