@@ -29,7 +29,9 @@ static int refuse(const char *text) {
 }
 
 static int is_usable_file(const char *name) {
-    if (name[0] == '\0') return refuse("Error (KLVA-PWR): rtlsaif filename is empty.");
+    if (name[0] == '\0') {
+        return refuse("Error (KLVA-PWR): rtlsaif filename is empty.");
+    }
     FILE *stream = fopen(name, "r");
     if (stream == nullptr) {
         mfli_message("Error (KLVA-PWR): Unable to open file %s", name);
@@ -48,10 +50,14 @@ static bool is_separator(char character) {
 static char *find_testbench(const char *word) {
     char *trimmed = mfli_strdup(word);
     const size_t length = strlen(trimmed);
-    if (length > 0 && is_separator(trimmed[length - 1])) trimmed[length - 1] = '\0';
+    if (length > 0 && is_separator(trimmed[length - 1])) {
+        trimmed[length - 1] = '\0';
+    }
     mtiRegionIdT region = mti_FindRegion(is_separator(trimmed[0]) ? trimmed + 1 : trimmed);
     free(trimmed);
-    if (region == nullptr) return nullptr;
+    if (region == nullptr) {
+        return nullptr;
+    }
     char *full_name = mti_GetRegionFullName(region);
     char *copy = mfli_strdup(full_name);
     mti_VsimFree(full_name);
@@ -63,19 +69,28 @@ static const char *word_at(const list *words, int32_t position) {
 }
 
 static int check_words(const list *words, char **file_name, char **testbench) {
-    if (words->length == 0)
+    if (words->length == 0) {
         return refuse("Error (KLVA-PWR): read_rtl_saif must have at least one parameter.");
-    if (words->length == 1) mfli_print_text(NO_TESTBENCH);
-    if (words->length > 2)
+    }
+    if (words->length == 1) {
+        mfli_print_text(NO_TESTBENCH);
+    }
+    if (words->length > 2) {
         return refuse("Error (KLVA-PWR): read_rtl_saif cannot have more that two parameters.");
-    if (is_usable_file(word_at(words, 0)) == 0) return 0;
+    }
+    if (is_usable_file(word_at(words, 0)) == 0) {
+        return 0;
+    }
     *file_name = mfli_strdup(word_at(words, 0));
-    if (words->length == 1 || word_at(words, 1)[0] == '\0') return 1;
+    if (words->length == 1 || word_at(words, 1)[0] == '\0') {
+        return 1;
+    }
     *testbench = find_testbench(word_at(words, 1));
-    if (*testbench == nullptr)
+    if (*testbench == nullptr) {
         return refuse(
             "Error (KLVA-PWR): the second argument gives an invalid path for the testbench "
             "module.");
+    }
     return 1;
 }
 
@@ -116,22 +131,29 @@ static void free_modules(st_table *modules) {
 static void read_forward_file(const char *file_name, st_table *objects) {
     st_table *modules = st_alloc_abo(compare_texts, hash_text);
     saifrtl_parse_init(print_reader_message, print_reader_message);
-    if (saifrtl_parse_file_for_design(file_name, objects, modules) != 0)
+    if (saifrtl_parse_file_for_design(file_name, objects, modules) != 0) {
         mfli_set_read_rtl_status();
-    else if (mfli_debug_level >= 1 && saifrtl_get_syntax_error_msg() != nullptr)
+    } else if (mfli_debug_level >= 1 && saifrtl_get_syntax_error_msg() != nullptr) {
         mfli_print_text(string_to_char(saifrtl_get_syntax_error_msg()));
+    }
     saifrtl_parse_reset();
     free_modules(modules);
 }
 
 void mfli_rtl(void *command_line) {
-    if (mfli_check_rtl_starting_point() == 0) return;
+    if (mfli_check_rtl_starting_point() == 0) {
+        return;
+    }
     char *file_name = nullptr;
     char *testbench = nullptr;
     if (check_read_rtl_arg(static_cast<const char *>(command_line), &file_name, &testbench) != 0) {
-        if (mfli_rtl_table == nullptr) mfli_rtl_table = st_alloc_abo(st_strcmp, st_strhash);
+        if (mfli_rtl_table == nullptr) {
+            mfli_rtl_table = st_alloc_abo(st_strcmp, st_strhash);
+        }
         read_forward_file(file_name, get_rtl_hash(mfli_rtl_table, testbench));
-        if (mfli_debug_level > 1) mfli_print_rtl_table();
+        if (mfli_debug_level > 1) {
+            mfli_print_rtl_table();
+        }
         mfli_message("Information (KLVA-PWR): Reading rtl saif file \"%s\" done.", file_name);
     }
     free(testbench);

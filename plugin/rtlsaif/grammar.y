@@ -55,14 +55,23 @@ file:
     ;
 
 header:
-    LEFT_PAREN SAIFVERSION string RIGHT_PAREN       { string_free($3); }
-    LEFT_PAREN DIRECTION string RIGHT_PAREN         { string_free($8); }
-    LEFT_PAREN DESIGN opt_string RIGHT_PAREN        { string_free($13); }
-    LEFT_PAREN DATE opt_string RIGHT_PAREN          { string_free($18); }
-    LEFT_PAREN VENDOR opt_string RIGHT_PAREN        { string_free($23); }
-    LEFT_PAREN PROGRAM_NAME opt_string RIGHT_PAREN  { string_free($28); }
-    LEFT_PAREN VERSION opt_string RIGHT_PAREN       { string_free($33); }
+    LEFT_PAREN SAIFVERSION ignored_string RIGHT_PAREN
+    LEFT_PAREN DIRECTION ignored_string RIGHT_PAREN
+    LEFT_PAREN DESIGN ignored_opt_string RIGHT_PAREN
+    LEFT_PAREN DATE ignored_opt_string RIGHT_PAREN
+    LEFT_PAREN VENDOR ignored_opt_string RIGHT_PAREN
+    LEFT_PAREN PROGRAM_NAME ignored_opt_string RIGHT_PAREN
+    LEFT_PAREN VERSION ignored_opt_string RIGHT_PAREN
     divider_entry
+    ;
+
+ignored_opt_string:
+    %empty
+  | ignored_string
+    ;
+
+ignored_string:
+    STRING
     ;
 
 divider_entry:

@@ -35,7 +35,9 @@ static void push_on_buffer(int character) {
         const uint32_t capacity =
             top->pushback_capacity == 0 ? FIRST_PUSHBACK_CAPACITY : 2 * top->pushback_capacity;
         char *grown = static_cast<char *>(realloc(top->pushback, capacity));
-        if (grown == nullptr) return;
+        if (grown == nullptr) {
+            return;
+        }
         top->pushback = grown;
         top->pushback_capacity = capacity;
     }
@@ -66,14 +68,18 @@ void saifrtl_init_streams(int32_t depth) {
 }
 
 void saifrtl_free_streams() {
-    while (saifrtl_n_input_stream > 0) saifrtl_close_stream();
+    while (saifrtl_n_input_stream > 0) {
+        saifrtl_close_stream();
+    }
     free(saifrtl_input_stream);
     saifrtl_input_stream = nullptr;
 }
 
 int saifrtl_local_open_stream(FILE *stream, const char *name, saifrtl_read_op read_op,
                               saifrtl_unget_op unget_op, int close_on_pop) {
-    if (saifrtl_input_stream == nullptr) return 0;
+    if (saifrtl_input_stream == nullptr) {
+        return 0;
+    }
     if (saifrtl_n_input_stream > max_stack_depth) {
         saifrtl_yyerror("Include File Nesting too deep");
         return 0;
@@ -95,10 +101,13 @@ int saifrtl_local_open_stream(FILE *stream, const char *name, saifrtl_read_op re
 }
 
 void saifrtl_close_stream() {
-    if (saifrtl_n_input_stream == 0) return;
+    if (saifrtl_n_input_stream == 0) {
+        return;
+    }
     SaifrtlInputStream *popped = &saifrtl_input_stream[--saifrtl_n_input_stream];
-    if (popped->close_on_pop != 0 && popped->stream != nullptr && popped->stream != stdin)
+    if (popped->close_on_pop != 0 && popped->stream != nullptr && popped->stream != stdin) {
         (void)fclose(popped->stream);
+    }
     popped->stream = nullptr;
     select_top();
     free(popped->file_name);
@@ -118,13 +127,17 @@ int saifrtl_yyinput() {
                         ? static_cast<unsigned char>(top->pushback[--top->pushback_count])
                         : top->read(top->stream);
     character = character == EOF ? 0 : character & 0xff;
-    if (character == '\n') ++top->line;
+    if (character == '\n') {
+        ++top->line;
+    }
     return character;
 }
 
 void saifrtl_yyunput(int character) {
     SaifrtlInputStream *top = saifrtl_top_stream;
-    if (character == '\n') --top->line;
+    if (character == '\n') {
+        --top->line;
+    }
     top->unget(character);
 }
 

@@ -25,7 +25,9 @@ int saifrtl_parse_file_for_design(const char *path, st_table *var_table, st_tabl
 }
 
 int saifrtl_parse_file(const char *path) {
-    if (path == nullptr) return saifrtl_parse(stdin, nullptr, nullptr, 1, "_stdin");
+    if (path == nullptr) {
+        return saifrtl_parse(stdin, nullptr, nullptr, 1, "_stdin");
+    }
     FILE *stream = fopen(path, "r");
     if (stream == nullptr) {
         printf("Unable to open \"%s\"", path);
@@ -38,12 +40,16 @@ int saifrtl_parse(FILE *stream, saifrtl_read_op read_op, saifrtl_unget_op unget_
                   int close_on_pop, const char *name) {
     const int32_t streams_below = saifrtl_n_input_stream;
     if (saifrtl_local_open_stream(stream, name, read_op, unget_op, close_on_pop) == 0) {
-        if (close_on_pop != 0 && stream != nullptr && stream != stdin) (void)fclose(stream);
+        if (close_on_pop != 0 && stream != nullptr && stream != stdin) {
+            (void)fclose(stream);
+        }
         return 1;
     }
     const int result = saifrtl_yyparse();
     // At its end the scanner has popped the stream; at an error it and streams above it are left.
-    while (saifrtl_n_input_stream > streams_below) saifrtl_close_stream();
+    while (saifrtl_n_input_stream > streams_below) {
+        saifrtl_close_stream();
+    }
     return result;
 }
 
@@ -69,17 +75,23 @@ static int refuse_prefix(const char *format, const dstring *prefix, const dstrin
 }
 
 int saifrtl_strip_name(dstring **name, const dstring *prefix) {
-    if (prefix == nullptr || string_len(*name) < string_len(prefix) + 2) return 1;
+    if (prefix == nullptr || string_len(*name) < string_len(prefix) + 2) {
+        return 1;
+    }
     const int position = local_string_substr_position(*name, prefix);
-    if (position < 0) return 1;
-    if (position > 0)
+    if (position < 0) {
+        return 1;
+    }
+    if (position > 0) {
         return refuse_prefix("Error! string \"%s\" is not a prefix of the name \"%s\" at line %d\n",
                              prefix, *name);
+    }
     const char *text = string_to_char(*name);
-    if (text[string_len(prefix)] != '/')
+    if (text[string_len(prefix)] != '/') {
         return refuse_prefix(
             "Error! string \"%s\" is not a complete sub-path of the name \"%s\" at line %d\n",
             prefix, *name);
+    }
     dstring *rest = string_alloc(text + string_len(prefix) + 1);
     string_free(*name);
     *name = rest;

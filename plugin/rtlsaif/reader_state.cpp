@@ -32,7 +32,9 @@ void saifrtl_set_hierarchy_divider(char divider) {
 }
 
 static void extend_current_path(const dstring *path) {
-    if (saifrtl_current_path != nullptr) string_concat_ch(&saifrtl_current_path, '/');
+    if (saifrtl_current_path != nullptr) {
+        string_concat_ch(&saifrtl_current_path, '/');
+    }
     string_concat(&saifrtl_current_path, path);
 }
 
@@ -42,7 +44,9 @@ void saifrtl_enter_instance(const dstring *path) {
 }
 
 static void note_module(const dstring *module) {
-    if (saifrtl_hash_mpm == nullptr) return;
+    if (saifrtl_hash_mpm == nullptr) {
+        return;
+    }
     dstring *key = string_alloc(string_to_char(saifrtl_current_path));
     void **slot = nullptr;
     if (st_find_or_add_kptr_vptr(saifrtl_hash_mpm, key, &slot) != 0) {
@@ -59,7 +63,9 @@ void saifrtl_enter_mpm_instance(const dstring *path, const dstring *module) {
         note_module(module);
         return;
     }
-    if (saifrtl_error_print == nullptr) return;
+    if (saifrtl_error_print == nullptr) {
+        return;
+    }
     dstring *message = string_sprintf("Need to specify the module name for MPM instance %s \n",
                                       string_to_char(saifrtl_current_path));
     saifrtl_error_print(message);
@@ -67,16 +73,19 @@ void saifrtl_enter_mpm_instance(const dstring *path, const dstring *module) {
 }
 
 void saifrtl_leave_instance(const dstring *path) {
-    const uint32_t length = string_len(saifrtl_current_path);
-    const uint32_t dropped = string_len(path) + 1;
+    const int64_t kept = int64_t{string_len(saifrtl_current_path)} - string_len(path) - 1;
     dstring *shortened = nullptr;
-    if (length > dropped) shortened = string_substr_len(saifrtl_current_path, 0, length - dropped);
+    if (kept > 0) {
+        shortened = string_substr_len(saifrtl_current_path, 0, static_cast<int32_t>(kept));
+    }
     string_free(saifrtl_current_path);
     saifrtl_current_path = shortened;
 }
 
 static int32_t kind_of(const dstring *kind) {
-    if (string_compare_char(kind, "sequential") == 0) return RTL_SEQUENTIAL;
+    if (string_compare_char(kind, "sequential") == 0) {
+        return RTL_SEQUENTIAL;
+    }
     return string_compare_char(kind, "tri-state") == 0 ? RTL_TRI_STATE : RTL_ORDINARY;
 }
 
@@ -90,15 +99,18 @@ static dstring *below_current_path(const dstring *name) {
 // The list of a full name in the caller's table, made when missing. Takes over the key.
 static list *objects_named(char *key) {
     void **slot = nullptr;
-    if (st_find_or_add_kptr_vptr(saifrtl_hash_var, key, &slot) != 0)
+    if (st_find_or_add_kptr_vptr(saifrtl_hash_var, key, &slot) != 0) {
         free(key);
-    else
+    } else {
         *slot = list_alloc();
+    }
     return static_cast<list *>(*slot);
 }
 
 void saifrtl_store_entry(const dstring *first, const dstring *second, const dstring *kind) {
-    if (see_mpm_cell_info == 1) return;
+    if (see_mpm_cell_info == 1) {
+        return;
+    }
     RtlObject *object = mfli_create_rtl_object();
     object->instance_path = string_alloc(string_to_char(saifrtl_current_path));
     object->object_name = string_alloc(string_to_char(first));

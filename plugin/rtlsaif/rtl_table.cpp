@@ -18,7 +18,9 @@ RtlObject *mfli_create_rtl_object() {
 
 void mfli_free_rtl_object(void *object) {
     RtlObject *freed = static_cast<RtlObject *>(object);
-    if (freed == nullptr) return;
+    if (freed == nullptr) {
+        return;
+    }
     string_free(freed->instance_path);
     string_free(freed->object_name);
     string_free(freed->second_full_name);
@@ -29,7 +31,9 @@ void mfli_free_rtl_object(void *object) {
 st_table *get_rtl_hash(st_table *table, const char *testbench) {
     const char *path = testbench != nullptr ? testbench : "";
     void *known = nullptr;
-    if (st_lookup_kptr_vptr(table, path, &known) != 0) return static_cast<st_table *>(known);
+    if (st_lookup_kptr_vptr(table, path, &known) != 0) {
+        return static_cast<st_table *>(known);
+    }
     st_table *objects = st_alloc_abo(st_strcmp, st_strhash);
     st_insert_kptr_vptr(table, mfli_strdup(path), objects);
     return objects;
@@ -41,13 +45,16 @@ static void for_each(st_table *table, Operation operation) {
     st_generator *generator = st_init_gen(table);
     void *key = nullptr;
     void *value = nullptr;
-    while (st_gen_kptr_vptr(generator, &key, &value) != 0)
+    while (st_gen_kptr_vptr(generator, &key, &value) != 0) {
         operation(static_cast<char *>(key), value);
+    }
     st_free_gen(generator);
 }
 
 void mfli_free_rtl_hash(st_table *objects) {
-    if (objects == nullptr) return;
+    if (objects == nullptr) {
+        return;
+    }
     for_each(objects, [](char *name, void *records) {
         free(name);
         list_free(static_cast<list *>(records), mfli_free_rtl_object);
@@ -58,13 +65,16 @@ void mfli_free_rtl_hash(st_table *objects) {
 static void print_objects(const char *name, list *records) {
     for (list_walk walk(records); walk; walk.step()) {
         const RtlObject *object = static_cast<const RtlObject *>(walk.item());
-        if (object->second_full_name != nullptr)
+        if (object->second_full_name != nullptr) {
             mfli_message("%s:   %s", name, string_to_char(object->second_full_name));
+        }
     }
 }
 
 void mfli_print_rtl_table() {
-    if (mfli_rtl_table == nullptr) return;
+    if (mfli_rtl_table == nullptr) {
+        return;
+    }
     for_each(mfli_rtl_table, [](const char *testbench, void *objects) {
         mfli_message("-------- addpath: %s", testbench);
         for_each(static_cast<st_table *>(objects), [](const char *name, void *records) {
@@ -74,7 +84,9 @@ void mfli_print_rtl_table() {
 }
 
 void mfli_free_rtl_table() {
-    if (mfli_rtl_table == nullptr) return;
+    if (mfli_rtl_table == nullptr) {
+        return;
+    }
     for_each(mfli_rtl_table, [](char *testbench, void *objects) {
         free(testbench);
         mfli_free_rtl_hash(static_cast<st_table *>(objects));

@@ -24,7 +24,6 @@ constexpr int SAIFRTL_ERROR_TOKEN = 1;
 
 extern int16_t saifrtl_expecting_keyword;  // 1: keywords are tokens of their own; 0: identifiers
 extern int16_t saifrtl_yylex_dump;         // 1: rules 5 to 8 report their tokens on standard error
-extern char saifrtl_yytext[8192];          // text of the last token; cleaned by rules 7 and 8
 
 // Makes the scanner ready for streams nested up to depth + 1; resets it first when it is in use.
 void saifrtl_global_init_lex(int32_t depth);
@@ -35,13 +34,6 @@ void saifrtl_global_reset_lex();
 // The code of the next token; at the end of the last stream 0.
 int saifrtl_yylex();
 
-// Matches one rule at the current place, leaves the match in saifrtl_yytext and returns the rule's
-// number, 0 at the end of the current stream. Drops characters that begin no rule.
-int saifrtl_yylook();
-
-// Whether a rule is in a list of rules that ends with 0 (null: no list).
-int saifrtl_yyback(const int *list, int rule);
-
 // Cleans token text in place: an identifier loses its escaping backslashes, a quoted string its
 // quotes. Other codes leave it alone.
 void saifrtl_parse_str(int code, char *text);
@@ -49,7 +41,7 @@ void saifrtl_parse_str(int code, char *text);
 // "(" or ")" for the codes of the parentheses, else the empty text.
 const char *saifrtl_tok2str(int code);
 
-// saifrtl_yytext.
+// The text of the last token, cleaned by rules 7 and 8.
 const char *saifrtl_current_tok();
 
 #endif
