@@ -1,0 +1,388 @@
+// SPDX-License-Identifier: Apache-2.0
+// toggle_report from command line to file: arguments, units, the trees of both builds, failures.
+#include "plugin/saif/report.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "plugin/core/entry.h"
+#include "plugin/monitor/monitor_table.h"
+#include "plugin/rtlsaif/rtl_table.h"
+#include "plugin/saif/report_tree.h"
+#include "plugin/support/hash_table.h"
+#include "plugin/support/run_state.h"
+#include "plugin/support/text.h"
+#include "tests/support/memory_design.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+std::string text_of(const std::string &path) {
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
+// A plug-in in a picosecond simulator, and a folder of its own for files.
+struct Report : testing::Test {
+    wf::test::MemorySimulator sim{-12};
+    std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("wattforge_report_" + std::to_string(getpid()));
+    std::string file = (folder / "out.saif").string();
+
+    Report() {
+        std::filesystem::create_directory(folder);
+        mfli_window_active = 0;
+        sim.start(swfli_init);
+    }
+    ~Report() override {
+        sim.quit();
+        std::filesystem::remove_all(folder);
+    }
+
+    // A clock that rises at 5000, falls at 15000 and is counted from 0 to 20000.
+    void record_clock(const std::string &region) {
+        sim.signal("/top/clk", sim.types.std_logic(), wf::Mode::in);
+        record(region, [this] {
+            sim.drive(5000, "/top/clk", '1');
+            sim.drive(15000, "/top/clk", '0');
+        });
+    }
+    template <typename Stimulus>
+    void record(const std::string &regions, Stimulus stimulus) {
+        sim.command("set_toggle_region " + regions);
+        if (sim.design().find_signal("/top/clk") != nullptr) {
+            sim.set("/top/clk", '0');
+        }
+        sim.command("toggle_start");
+        stimulus();
+        sim.run_to(20000);
+        sim.command("toggle_stop");
+        sim.lines();
+    }
+    bool reported() const { return (mfli_window_active & MFLI_REPORT_WRITTEN) != 0; }
+
+    // The body of a report of that instance: what follows the DURATION line, less the trailer.
+    std::string body(const std::string &instance) {
+        EXPECT_THAT(sim.output_of("toggle_report " + file + " 1.0e-9 " + instance),
+                    ElementsAre("Information (KLVA-PWR): Report done, wrote file \"" + file +
+                                "\" at time 20000.000000"));
+        const std::string text = text_of(file);
+        const size_t start = text.find('\n', text.find("(DURATION")) + 1;
+        return text.substr(start, text.size() - start - 2);
+    }
+};
+
+TEST_F(Report, RefusesBadArgumentsOneByOne) {
+    record_clock("/top");
+    const std::string error = "Error (KLVA-PWR): ";
+    const std::string bad_unit =
+        error +
+        "Bad synthesis_time_unit (param 2 to $toggle_report): %, Synthesis "
+        "time unit must be of the form 1.0e-n, where 0 <= n <= 15";
+    const auto bad = [&](const char *power) {
+        return std::string(bad_unit).replace(bad_unit.find('%'), 1, power);
+    };
+    const std::string few = error + "toggle_report requires at least three arguments";
+    const std::string many =
+        "Warning (KLVA-PWR): toggle_report takes only three arguments, all the rest will be "
+        "ignored";
+    const auto no_number = [&](const char *text) {
+        return error + "Could not interpret argument " + text + " as number";
+    };
+    const auto no_region = [&](const char *text) {
+        return error + "Invalid instance_str " + text + "; no region of this name found";
+    };
+    const std::string negative = error + "The synthesis time unit must be positive";
+    const struct {
+        std::string arguments;
+        std::vector<std::string> lines;
+    } rows[] = {
+        {"", {few}},
+        {file + " 1.0e-9", {few}},
+        {file + " abc /nowhere", {no_number("abc")}},
+        {file + " 0 /top", {no_number("0")}},
+        {file + " -1e-9 /nowhere", {negative}},
+        {file + " 1e-9 /nowhere", {no_region("/nowhere")}},
+        {file + " 1e-9 /nowhere 4", {no_region("/nowhere")}},
+        {file + " 0.0 /top 4 5", {many, no_number("0.0")}},
+        {file + " 1.0e-16 /top", {bad("0.000000")}},
+        {file + " 10 /top", {bad("10.000000")}},
+        {file + " nan /top", {bad("nan")}},
+        {file + " inf /top", {bad("inf")}},
+        {file + "/x 1e-9 /top", {error + "Could not open filename " + file + "/x for writing"}},
+    };
+    for (const auto &row : rows) {
+        EXPECT_EQ(sim.output_of("toggle_report " + row.arguments), row.lines) << row.arguments;
+        EXPECT_FALSE(std::filesystem::exists(file)) << row.arguments;
+        EXPECT_FALSE(reported()) << row.arguments;
+    }
+}
+
+TEST_F(Report, IgnoresAFourthArgumentAndWarnsOfAFifth) {
+    record_clock("/top");
+    EXPECT_THAT(sim.output_of("toggle_report " + file + " 1e-9,/top four"),
+                ElementsAre(HasSubstr("Report done")));
+    EXPECT_TRUE(reported());
+    EXPECT_THAT(sim.output_of("toggle_report " + file + " 1e-9 /top four five"),
+                ElementsAre(HasSubstr("takes only three"), HasSubstr("Report done")));
+}
+
+TEST_F(Report, ScalesDurationsToTheUnit) {
+    record_clock("/top");
+    const struct {
+        const char *unit;
+        const char *timescale;
+        const char *duration;
+        const char *t1;
+    } rows[] = {
+        {"1.0e-9", "(TIMESCALE 1 ns)", "(DURATION 20.00)", "(T1 10.000000)"},
+        {"1.0e-10", "(TIMESCALE 100 ps)", "(DURATION 200.00)", "(T1 100.000000)"},
+        {"5.0e-9", "(TIMESCALE 10 ns)", "(DURATION 2.00)", "(T1 1.000000)"},
+        {"1.0e-15", "(TIMESCALE 1 fs)", "(DURATION 20000000.00)", "(T1 10000000.000000)"},
+        {"1.0", "(TIMESCALE 1 s)", "(DURATION 0.00)", "(T1 0.000000)"},
+    };
+    for (const auto &row : rows) {
+        sim.command(std::string("toggle_report ") + file + " " + row.unit + " /top");
+        const std::string text = text_of(file);
+        EXPECT_THAT(text, HasSubstr(row.timescale)) << row.unit;
+        EXPECT_THAT(text, HasSubstr(row.duration)) << row.unit;
+        EXPECT_THAT(text, HasSubstr(row.t1)) << row.unit;
+    }
+}
+
+TEST_F(Report, WritesEveryBitUnderTheSimulatorsNames) {
+    sim.signal("/top/clk", sim.types.std_logic(), wf::Mode::in);
+    sim.signal("/top/u1/bus", sim.types.array(sim.types.std_logic(), 1, 0), wf::Mode::out);
+    sim.signal("/top/u1/count", sim.types.integer("small", 0, 3));
+    sim.signal("/top2/x", sim.types.bit());
+    record("/top", [this] {
+        sim.drive(5000, "/top/clk", '1');
+        sim.set("/top/u1/bus", "0X");
+        sim.set("/top/u1/count", 2);
+        sim.drive(15000, "/top/clk", '0');
+        sim.set("/top/u1/bus", "1X");
+    });
+    // What is in the instance has all its names written, also those elsewhere.
+    void *element = nullptr;
+    ASSERT_TRUE(st_lookup_kptr_vptr(mfli_monitor_table, sim.handle("/top/u1/count"), &element));
+    mfli_add_name_to_monitor("/else[1]/cnt", static_cast<MonitorElement *>(element));
+    EXPECT_EQ(body("/top/u1"), R"((INSTANCE top
+   (INSTANCE u1
+      (PORT
+         (bus\(1\)
+            (T0 10.000000) (T1 5.000000) (TX 5.000000)
+            (TC 1.000000) (IG 0.000000)
+         )
+         (bus\(0\)
+            (T0 0.000000) (T1 0.000000) (TX 20.000000)
+            (TC 0.000000) (IG 0.000000)
+         )
+      )
+      (NET
+         (count\(0\)
+            (T0 20.000000) (T1 0.000000) (TX 0.000000)
+            (TC 0.000000) (IG 0.000000)
+         )
+         (count\(1\)
+            (T0 5.000000) (T1 15.000000) (TX 0.000000)
+            (TC 1.000000) (IG 0.000000)
+         )
+      )
+   )
+)
+(INSTANCE else\(1\)
+   (NET
+      (cnt\(0\)
+         (T0 20.000000) (T1 0.000000) (TX 0.000000)
+         (TC 0.000000) (IG 0.000000)
+      )
+      (cnt\(1\)
+         (T0 5.000000) (T1 15.000000) (TX 0.000000)
+         (TC 1.000000) (IG 0.000000)
+      )
+   )
+)
+)");
+    // Plain prefixes decide: /top2 would lie in /top, had it been watched. The whole header, once.
+    sim.command("toggle_report " + file + " 1.0e-9 /top2");
+    const std::string text = text_of(file);
+    EXPECT_EQ(text.substr(0, text.find("(DATE")),
+              "(SAIFILE\n(SAIFVERSION \"2.0\")\n(DIRECTION \"backward\")\n(DESIGN )\n");
+    EXPECT_EQ(text.substr(text.find("(VENDOR")),
+              "(VENDOR \"Kelvara, Inc\")\n(PROGRAM_NAME \"Wattforge FLI\")\n(VERSION \"4.1.0\")\n"
+              "(DIVIDER / )\n(TIMESCALE 1 ns)\n(DURATION 20.00)\n)\n");
+}
+
+// Enters an object of a forward file read for /tb/dut.
+void map(const std::string &first, const std::string &second, int32_t kind) {
+    if (mfli_rtl_table == nullptr) {
+        mfli_rtl_table = st_alloc_abo(st_strcmp, st_strhash);
+    }
+    st_table *objects = get_rtl_hash(mfli_rtl_table, "/tb/dut");
+    RtlObject *object = mfli_create_rtl_object();
+    object->second_full_name = string_alloc(second.c_str());
+    object->kind = kind;
+    void *known = nullptr;
+    if (!st_lookup_kptr_vptr(objects, first.c_str(), &known)) {
+        known = list_alloc();
+        st_insert_kptr_vptr(objects, mfli_strdup(first.c_str()), known);
+    }
+    list_append(static_cast<list *>(known), object);
+}
+
+TEST_F(Report, WritesMappedBitsUnderTheirRtlNames) {
+    sim.signal("/tb/dut/u1/q", sim.types.array(sim.types.std_logic(), 1, 0));
+    sim.signal("/tb/dut/clk", sim.types.std_logic(), wf::Mode::in);
+    sim.signal("/tb/dut/bus", sim.types.std_logic());
+    map("top/u1/q[0]", "top/u1/q_reg[0]/Q", RTL_SEQUENTIAL);
+    map("top/u1/q[0]", "top/u1/q[0]", RTL_ORDINARY);
+    map("top/bus", "top/u1/tri/Z", RTL_TRI_STATE);
+    map("top/bus", "top/u1/tri/again", RTL_SEQUENTIAL);  // stays what it was
+    map("top/bus", "top/u1/other/Z", 7);                 // no such kind: not written
+    map("top/bus", "to", RTL_ORDINARY);                  // no name behind the instance's
+    mfli_set_read_rtl_status();
+    sim.command("set_net_monitoring_policy on /tb/dut");
+    record("/tb/dut", [this] {
+        sim.set("/tb/dut/bus", '1');
+        sim.set("/tb/dut/clk", '0');
+        sim.set("/tb/dut/u1/q", "00");
+    });
+    // Ports: what is mapped, and clk by its mode. The bit without an object keeps square brackets.
+    const std::string expected = R"((INSTANCE tb
+   (INSTANCE dut
+      (PORT
+         (clk
+            (T0 20.000000) (T1 0.000000) (TX 0.000000)
+            (TC 0.000000) (IG 0.000000)
+         )
+      )
+      (INSTANCE u1
+         (PORT
+            (q\[0\]
+               (T0 20.000000) (T1 0.000000) (TX 0.000000)
+               (TC 0.000000) (IG 0.000000)
+            )
+         )
+         (NET
+            (q\[1\]
+               (T0 20.000000) (T1 0.000000) (TX 0.000000)
+               (TC 0.000000) (IG 0.000000)
+            )
+         )
+         (VIRTUAL_INSTANCE "sequential" q_reg\[0\]
+            (PORT
+               (Q
+                  (T0 20.000000) (T1 0.000000) (TX 0.000000)
+                  (TC 0.000000) (IG 0.000000)
+               )
+            )
+         )
+         (VIRTUAL_INSTANCE "tri-state" tri
+            (PORT
+               (Z
+                  (T0 0.000000) (T1 20.000000) (TX 0.000000)
+                  (TC 0.000000) (IG 0.000000)
+               )
+               (again
+                  (T0 0.000000) (T1 20.000000) (TX 0.000000)
+                  (TC 0.000000) (IG 0.000000)
+               )
+            )
+         )
+      )
+   )
+)
+)";
+    EXPECT_EQ(body("/tb/dut"), expected);
+}
+
+TEST_F(Report, TracesItsSteps) {
+    record_clock("/top");
+    sim.command("toggle_debug_level 2");
+    const std::string line = "toggle_report " + file + " 1e-9 /top";
+    sim.lines();
+    EXPECT_THAT(sim.output_of(line),
+                ElementsAre("Starting saifout_create_tree", "Starting registering print functions",
+                            "Starting to build saif tree (gate/rtl)", "Starting build_saif_tree",
+                            "Ending build_saif_tree", "Starting init_saif_header",
+                            "Starting saifout_generate_saif", "Starting saifout_free_tree",
+                            HasSubstr("Report done")));
+    mfli_set_read_rtl_status();
+    EXPECT_THAT(sim.output_of(line), testing::IsSupersetOf({"Starting build_rtl_saif_tree",
+                                                            "Ending build_rtl_saif_tree"}));
+}
+
+TEST_F(Report, SaysWhenTheFileCouldNotBeWritten) {
+    record_clock("/top");
+    EXPECT_THAT(sim.output_of("toggle_report /dev/full 1e-9 /top"),
+                ElementsAre("Error (KLVA-PWR): Could not write file /dev/full: No space left on "
+                            "device"));
+    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
+
+    // A file that may not grow: gone, or, behind a link, said to be incomplete.
+    const std::string target = (folder / "target.saif").string();
+    const std::string link = (folder / "link.saif").string();
+    std::filesystem::create_symlink(target, link);
+    rlimit old = {};
+    getrlimit(RLIMIT_FSIZE, &old);
+    rlimit little = {100, old.rlim_max};
+    const auto old_handler = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &little);
+    const auto plain = sim.output_of("toggle_report " + file + " 1e-9 /top");
+    const auto linked = sim.output_of("toggle_report " + link + " 1e-9 /top");
+    setrlimit(RLIMIT_FSIZE, &old);
+    signal(SIGXFSZ, old_handler);
+    const std::string start = "Error (KLVA-PWR): Could not write file ";
+    EXPECT_THAT(plain, ElementsAre(start + file + ": File too large"));
+    EXPECT_FALSE(std::filesystem::exists(file));
+    EXPECT_THAT(linked,
+                ElementsAre(start + link + ": File too large; what it holds is not complete"));
+    EXPECT_FALSE(reported());
+    EXPECT_THAT(sim.output_of("toggle_reset"), Not(IsEmpty()));  // refused: nothing was reported
+}
+
+TEST(NetPrint, WritesBlanksEvenForMissingRecords) {
+    saif_timing_attribute timing = {2.0, 1.5, 3.0, {0.0, 0.0}};
+    saif_toggle_attribute toggle = {4.0, 1.0, 0.0, -1.0};
+    const struct {
+        saif_switching_attribute record;
+        int indentation;
+        const char *expected;
+    } rows[] = {
+        {{&timing, &toggle, {0, 0}},
+         0,
+         "(n\n   (T0 0.150000) (T1 0.200000) (TX 0.300000)\n   (TC 4.000000) (IG 1.000000)\n)\n"},
+        {{nullptr, &toggle, {0, 0}}, 2, "  (n\n          (TC 4.000000) (IG 1.000000)\n  )\n"},
+        {{nullptr, nullptr, {0, 0}}, -1, "(n\n    )\n"},
+    };
+    for (const auto &row : rows) {
+        char *text = nullptr;
+        size_t length = 0;
+        FILE *stream = open_memstream(&text, &length);
+        dstring *name = string_alloc("n");
+        saif_switching_attribute record = row.record;
+        net_print(stream, name, &record, 0.1, row.indentation);
+        fclose(stream);
+        EXPECT_STREQ(text, row.expected);
+        string_free(name);
+        free(text);
+    }
+}
+
+}  // namespace
