@@ -44,6 +44,15 @@ def collect(node, path, bits):
                 bits.append((f"{path}/{record[0]}".replace("\\", ""), fields))
 
 
+def alike(bits):
+    """(path, fields, further places) for each group of equal figures under one name: one net seen in
+    several instances, most likely. Stands where the first of the group stood."""
+    groups = {}
+    for path, fields in bits:
+        groups.setdefault((path.rsplit("/", 1)[1], *fields.values()), []).append((path, fields))
+    return [(*group[0], len(group) - 1) for group in groups.values()]
+
+
 def show(path, count):
     tree = read_tree(path)
     header = {part[0]: part[1:] for part in tree if isinstance(part, list)}
@@ -57,10 +66,11 @@ def show(path, count):
     print(f"\n{os.path.abspath(path)}")
     print(f"  {len(bits)} bits over a window of {duration:g} x {unit}")
     print(f"  {quiet} never toggled, {unknown} were unknown for a time, {glitches} glitches")
-    print(f"\n  {'most active':<44} {'toggles':>9} {'at 1':>7} {'unknown':>8} {'glitches':>9}")
-    for name, fields in sorted(bits, key=lambda bit: -bit[1]["TC"])[:count]:
+    print(f"\n  {'most active':<50} {'toggles':>9} {'at 1':>7} {'unknown':>8} {'glitches':>9}")
+    for name, fields, further in sorted(alike(bits), key=lambda bit: -bit[1]["TC"])[:count]:
         share = {key: fields[key] / duration if duration else 0.0 for key in ("T1", "TX")}
-        print(f"  {name:<44} {fields['TC']:>9.0f} {share['T1']:>7.1%} {share['TX']:>8.1%}"
+        label = name + (f" (and {further} alike)" if further else "")
+        print(f"  {label:<50} {fields['TC']:>9.0f} {share['T1']:>7.1%} {share['TX']:>8.1%}"
               f" {fields['IG']:>9.0f}")
 
 

@@ -13,7 +13,7 @@ cd "$folder"
 iverilog -g2005 -o uart.vvp "$example/uart.v" "$example/uart_tb.v"
 vvp -n uart.vvp +vcd
 # --keep-debuginfo: the plug-in is unloaded by the end, its names are still wanted.
-valgrind --error-exitcode=9 --leak-check=full --show-leak-kinds=definite,indirect,possible \
-    --errors-for-leak-kinds=definite,indirect,possible --keep-debuginfo=yes \
+valgrind --error-exitcode=9 --leak-check=full --show-leak-kinds=all \
+    --errors-for-leak-kinds=all --keep-debuginfo=yes \
     --suppressions="$here/valgrind.supp" "$wfsim" uart.vcd -do "$example/run.tcl"
 python3 "$here/compare_saif.py" uart.saif --vcd uart.vcd --window 1us 41us --instance /tb/dut
