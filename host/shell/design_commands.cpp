@@ -71,10 +71,13 @@ int find(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[])
 
 // --- examine ---
 
+// A record or an array of other things than characters comes as a Tcl list, its outer braces off.
 std::string examined_value(Session &session, const Signal &signal, Radix radix) {
-    std::string value = value_text(*signal.type, session.kernel.bytes(signal.slot));
-    const bool is_vector = signal.type->kind == TypeKind::array && signal.type->element->is_byte();
-    return is_vector ? in_radix(value, radix) : value;
+    const std::string value = value_text(*signal.type, session.kernel.bytes(signal.slot));
+    if (!signal.type->is_composite()) {
+        return value;
+    }
+    return value.starts_with('{') ? value.substr(1, value.size() - 2) : in_radix(value, radix);
 }
 
 // The options before the paths; the position of the first path, or -1.

@@ -64,12 +64,12 @@ int resume_run(ClientData data[], Tcl_Interp *interp, int code) {
 
 int start_run(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
     Shell &shell = shell_of(data);
+    shell.flush();
     Ticks limit = 0;
     const std::string error = limit_of(shell, join_words(1, count, words), &limit);
     if (!error.empty()) {
         return fail(interp, error);
     }
-    shell.flush();
     const RunEnd end = shell.simulation().control.start(limit);
     if (end != RunEnd::suspended) {
         return finish_run(interp, shell, end, limit);

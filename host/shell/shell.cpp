@@ -15,7 +15,7 @@ namespace {
 
 // A command of a plug-in, as Tcl keeps it.
 struct PluginCommand {
-    Session &session;
+    Shell &shell;
     std::string name;
 };
 
@@ -24,7 +24,8 @@ int run_plugin_command(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *
     const std::string arguments = join_words(1, count, words);
     const std::string line = arguments.empty() ? command.name : command.name + " " + arguments;
     Tcl_ResetResult(interp);
-    command.session.run_command(command.name, line);
+    command.shell.flush();
+    command.shell.simulation().session.run_command(command.name, line);
     return TCL_OK;
 }
 
@@ -115,8 +116,8 @@ Shell::~Shell() {
 }
 
 void Shell::add_plugin_command(const std::string &name) {
-    Tcl_CreateObjCommand(interp_, name.c_str(), run_plugin_command,
-                         new PluginCommand{simulation_.session, name}, delete_plugin_command);
+    Tcl_CreateObjCommand(interp_, name.c_str(), run_plugin_command, new PluginCommand{*this, name},
+                         delete_plugin_command);
 }
 
 ScriptEnd Shell::run_file(const std::string &path, const std::vector<std::string> &arguments) {
