@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: Apache-2.0
+// What becomes a watched scalar, under which names, and what is said of the rest.
+#include "plugin/select/registration.h"
+
+#include "plugin/rtlsaif/rtl_table.h"
+#include "plugin/select/scope_list.h"
+#include "tests/plugin/recorder.h"
+
+#include <cstring>
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+using wf::Direction;
+using wf::RegionKind;
+using wf::Type;
+
+namespace {
+
+TEST_F(Recorder, RegistersEveryScalarOfARegion) {
+    wf::TypeTable &types = sim.types;
+    const Type *logic = types.std_logic();
+    const Type *pair = types.record("pair", {{"a", logic}, {"n", types.integer("n", 0, 7)}});
+    const Type *nested = types.record("nested", {{"p", pair}, {"v", types.array(logic, 1, 0)}});
+    sim.signal("/top/clk", logic);
+    sim.signal("/top/count", types.integer("n", 0, 255));
+    sim.signal("/top/bus", types.array(logic, 2, 0));
+    sim.signal("/top/mem", types.array(types.array(logic, 0, 1), 5, 4));
+    sim.signal("/top/rec", nested);
+    sim.signal("/top/recs", types.array(pair, 0, 1));
+    sim.signal("/top/states", types.array(types.enumeration("e", {"idle", "run", "stop"}), 3, 3));
+    sim.signal("/top/voltage", types.real());
+    sim.signal("/top/reals", types.array(types.real(), 0, 9));
+    sim.signal("/top/times", types.array(types.array(types.time(), 0, 0), 0, 1));
+    sim.signal("/top/mixed", types.record("m", {{"r", types.real()}, {"b", types.bit()}}));
+    EXPECT_THAT(
+        watch("/top"),
+        ElementsAre("Warning (KLVA-PWR): Not registered signal = /top/voltage; INVALID_TYPE",
+                    "Error (KLVA-PWR): Unable to register /top/reals",
+                    "Error (KLVA-PWR): Unable to register /top/times(0)",
+                    "Error (KLVA-PWR): Unable to register /top/times(1)",
+                    "Warning (KLVA-PWR): Not registered signal = /top/mixed.r; "
+                    "INVALID_TYPE"));
+    const Lines expected = {
+        "/top/clk 0/1",       "/top/count 2/8",     "/top/bus(2) 0/1",    "/top/bus(1) 0/1",
+        "/top/bus(0) 0/1",    "/top/mem(5)(0) 0/1", "/top/mem(5)(1) 0/1", "/top/mem(4)(0) 0/1",
+        "/top/mem(4)(1) 0/1", "/top/rec.p.a 0/1",   "/top/rec.p.n 2/3",   "/top/rec.v(1) 0/1",
+        "/top/rec.v(0) 0/1",  "/top/recs(0).a 0/1", "/top/recs(0).n 2/3", "/top/recs(1).a 0/1",
+        "/top/recs(1).n 2/3", "/top/states(3) 3/2", "/top/mixed.b 1/1"};
+    EXPECT_THAT(watched(), ElementsAreArray(expected));
+    EXPECT_EQ(sim.kernel().process_count(), 2 * expected.size());
+}
+
+TEST_F(Recorder, WatchesOneHandleOnceUnderAllItsNames) {
+    const Type *logic = sim.types.std_logic();
+    sim.signal("/top/net", logic);
+    sim.signal("/top/bus", sim.types.array(logic, 1, 0));
+    sim.region("/top/u1");
+    sim.shared_signal("/top/u1/own", "/top/net");
+    watch("/top");
+    const mtiSignalIdT net = sim.handle("/top/net");
+    for (const char *name : {"/top/net", "/top/u1/port", "/top/u2/p", "/top/u1/port"}) {
+        mfli_register_net(net, name, 0);
+    }
+    mfli_register_net(sim.handle("/top/bus"), "ignored", 1);
+    // Shared storage is not a shared handle.
+    EXPECT_THAT(watched(), ElementsAre("/top/net=/top/u1/port=/top/u2/p 0/1", "/top/bus(1) 0/1",
+                                       "/top/bus(0) 0/1", "/top/u1/own 0/1"));
+    EXPECT_EQ(sim.kernel().process_count(), 8U);
+    EXPECT_THAT(sim.lines(), IsEmpty());
+}
+
+// A scalar that is declared under the very name by which an array's element might be known a second
+// time: only elements that are written with another base are looked up again.
+TEST_F(Recorder, LooksUpElementsUnderASecondPath) {
+    const Type *logic = sim.types.std_logic();
+    sim.signal("/top/rec", sim.types.record("r", {{"v", sim.types.array(logic, 6, 5)}}));
+    sim.signal("/top/rec(6)", logic);
+    sim.signal("/top/rec(1)", logic);
+    sim.signal("/top/bus", sim.types.array(logic, 5, 5));
+    sim.signal("/top/bus(0)", logic);
+    register_array(sim.handle("/top/bus"), sim.region_handle("/top"), 0);
+    EXPECT_THAT(watched(), ElementsAre("/top/bus(5) 0/1"));
+    register_record(sim.handle("/top/rec"), sim.region_handle("/top"), 0);
+    EXPECT_THAT(watched(), ElementsAre("/top/bus(5) 0/1", "/top/rec.v(6) 0/1", "/top/rec(6) 0/1",
+                                       "/top/rec.v(5) 0/1", "/top/rec(1) 0/1"));
+    EXPECT_THAT(sim.lines(), IsEmpty());
+}
+
+TEST_F(Recorder, SkipsRegionsThatHoldNothingToWatch) {
+    const Type *logic = sim.types.std_logic();
+    const struct {
+        const char *path;
+        RegionKind kind;
+    } rows[] = {{"/top/task", RegionKind::task},         {"/top/function", RegionKind::function},
+                {"/top/package", RegionKind::package},   {"/top/statement", RegionKind::statement},
+                {"/top/block", RegionKind::named_block}, {"/top/gen", RegionKind::generate}};
+    for (const auto &row : rows) {
+        sim.region(row.path, row.kind);
+        sim.signal(row.path + std::string("/s"), logic);
+        sim.signal(row.path + std::string("/deep/s"), logic);
+    }
+    watch("/top");
+    EXPECT_THAT(watched(), ElementsAre("/top/block/s 0/1", "/top/block/deep/s 0/1",
+                                       "/top/gen/s 0/1", "/top/gen/deep/s 0/1"));
+}
+
+TEST_F(Recorder, WalksSubRegionsWhateverThePolicy) {
+    const Type *logic = sim.types.std_logic();
+    for (const char *name : {"/top/s", "/top/u1/s", "/top/u1/v/s", "/top/u1/v/w/s", "/top/u2/s"}) {
+        sim.signal(name, logic);
+    }
+    add_to_policy_table(sim.region_handle("/top/u1"), MFLI_POLICY_OFF);
+    add_to_policy_table(sim.region_handle("/top/u1/v/w"), MFLI_POLICY_RTL_ON);
+    watch("/top");
+    EXPECT_THAT(watched(), ElementsAre("/top/s 0/1", "/top/u1/v/w/s 0/1", "/top/u2/s 0/1"));
+}
+
+TEST_F(Recorder, TracesRegistration) {
+    const Type *logic = sim.types.std_logic();
+    sim.signal("/top/b", sim.types.array(logic, 0, 0));
+    sim.signal("/top/r", sim.types.record("r", {{"f", logic}}));
+    mfli_debug_level = 3;
+    EXPECT_THAT(watch("/top"),
+                ElementsAre("Registering signals in region /top", "Registering = /top/b; ARRAY",
+                            "Registered signal /top/b(0)", "Registering = /top/r; RECORD",
+                            "Registering = /top/r.f; Scalar/Enum", "Registered signal /top/r.f"));
+}
+
+// --- objects of forward files ---
+
+char *copy(const char *text) {
+    return strdup(text);
+}
+
+class RtlObjects : public Recorder {
+  protected:
+    RtlObjects() {
+        const Type *logic = sim.types.std_logic();
+        sim.signal("/tb/u1/q", logic);
+        sim.signal("/tb/u1/bus", sim.types.array(logic, 3, 0));
+        sim.signal("/tb/u1/count", sim.types.integer("n", 0, 15));
+        sim.signal("/tb/u1/mem", sim.types.array(sim.types.array(logic, 1, 0), 0, 1));
+        sim.signal("/tb/u2/q", logic);
+        mfli_rtl_table = st_alloc_abo(st_strcmp, st_strhash);
+    }
+    ~RtlObjects() override { mfli_free_rtl_table(); }
+
+    // Names an object of a forward file that was read for the testbench path.
+    void object(const char *add_path, const char *key) {
+        st_insert_kptr_vptr(get_rtl_hash(mfli_rtl_table, add_path), copy(key), list_alloc());
+    }
+    Lines registered_in(const Lines &regions) {
+        st_table *scope_list = create_scope_list();
+        for (const std::string &region : regions) {
+            add_region_to_scope_list(sim.region_handle(region), scope_list);
+        }
+        register_rtl_activity(scope_list);
+        free_scope_list(scope_list);
+        return sim.lines();
+    }
+};
+
+std::string skipped(const std::string &name) {
+    return "Warning (KLVA-PWR): could not find signal " + name + ", skipping";
+}
+
+std::string no_element(const std::string &name) {
+    return "Warning (KLVA-PWR): could not find valid array element for signal " + name;
+}
+
+TEST_F(RtlObjects, AreFoundByTheirPathsInScope) {
+    for (const char *key :
+         {"top/u1/q", "top/u1/bus[2]", "top/u1/mem[1][0]", "top/u1/count[3]", "top/u1/count[0]",
+          "top/u2/q", "top/u1/lost", "top/u1/lost[1]", "top/u1/bus[9]"}) {
+        object("/tb", key);
+    }
+    EXPECT_THAT(registered_in({"/tb/u1"}),
+                ElementsAre("Warning (KLVA-PWR): Signal /tb/u2/q not in scope, skipping",
+                            skipped("/tb/u1/lost"), skipped("/tb/u1/lost"),
+                            no_element("/tb/u1/bus(9)"), skipped("/tb/u1/bus(9)")));
+    EXPECT_THAT(watched(), ElementsAre("/tb/u1/q 0/1", "/tb/u1/bus(2) 0/1", "/tb/u1/mem(1)(0) 0/1",
+                                       "/tb/u1/count 2/4"));
+}
+
+TEST_F(RtlObjects, OfSeveralTestbenchesAreRegisteredInTurn) {
+    object("/tb/u1", "top/q");
+    object(nullptr, "/tb/u2/q");  // no path: three characters are dropped all the same
+    object("", "top/tb/u2/q");
+    object("/tb/u1", "to");
+    mfli_debug_level = 1;
+    EXPECT_THAT(registered_in({"/tb"}), ElementsAre("add_path is /tb/u1", skipped("/tb/u1"),
+                                                    "add_path is ", skipped("/u2/q")));
+    EXPECT_THAT(watched(), ElementsAre("/tb/u1/q 0/1", "/tb/u2/q 0/1"));
+}
+
+TEST_F(RtlObjects, ComeBeforeTheRegionsAndShutTheirNetsOut) {
+    object("/tb", "top/u1/q");
+    add_to_policy_table(sim.region_handle("/tb/u2"), MFLI_POLICY_ON);
+    st_table *scope_list = create_scope_list();
+    add_region_to_scope_list(sim.region_handle("/tb"), scope_list);
+    mfli_set_read_rtl_status();
+    mfli_register_activity(scope_list);
+    free_scope_list(scope_list);
+    EXPECT_THAT(watched(), ElementsAre("/tb/u1/q 0/1", "/tb/u2/q 0/1"));
+    EXPECT_THAT(sim.lines(), IsEmpty());
+}
+
+}  // namespace
