@@ -27,9 +27,6 @@ constexpr std::array<uint8_t, 256> table_of(std::initializer_list<std::string_vi
 constexpr std::array<uint8_t, 256> port_values =
     table_of({"", "NX?AaBbCc", "DdLl0", "UuHh1", "ZTFf"});
 
-// What a shortened value is extended with, by the position of its first digit.
-constexpr std::array<uint8_t, 9> extensions = {0, 1, 2, 2, 4, 5, 2, 2, 8};
-
 bool is_digit(char character) {
     return character >= '0' && character <= '9';
 }
@@ -45,7 +42,7 @@ Events::Events(Tokens &tokens, const IdTable &ids)
       widest_(ids.widest()),
       // Some tools write every value with the same number of digits.
       capacity_(std::max<uint32_t>(widest_, 4096)),
-      digits_(std::size_t{widest_} + capacity_ + 16) {
+      digits_(std::size_t{widest_} + capacity_ + 24) {
 }
 
 // Ids longer than eight characters, unknown ones, and those at the end of the buffer.
@@ -172,10 +169,6 @@ uint32_t Events::surplus_digits(uint32_t count, uint32_t width) {
         ++surplus;
     }
     return surplus;
-}
-
-void Events::extend_digits(uint32_t by) {
-    std::memset(first_digit() - by, extensions[*first_digit()], by);
 }
 
 const char *Events::skip_blanks(const char *text) const {

@@ -46,6 +46,8 @@ enum class EventsEnd : uint8_t {
 // Positions in std_logic by character; `no_value` for what is no value.
 inline constexpr uint8_t no_value = 0xff;
 extern const std::array<uint8_t, 256> bit_values;
+// What a shortened value is extended with, by the position of its first digit.
+inline constexpr std::array<uint8_t, 9> extensions = {0, 1, 2, 2, 4, 5, 2, 2, 8};
 
 class Events {
   public:
@@ -97,7 +99,7 @@ class Events {
     template <typename Sink>
     bool place_bits(Target target, uint32_t count, Sink &sink);
 
-    uint8_t *first_digit() { return digits_.data() + widest_; }
+    uint8_t *first_digit() { return digits_.data() + widest_ + 8; }
     uint32_t convert_digits(const char *text);
     uint32_t surplus_digits(uint32_t count, uint32_t width);
     void extend_digits(uint32_t by);
@@ -297,15 +299,13 @@ Events::Step Events::place(const char *at, const Reference &reference, uint32_t 
 template <typename Sink>
 bool Events::place_bits(Target target, uint32_t count, Sink &sink) {
     const uint32_t width = target.shape;
-    const uint8_t *digits = first_digit();
-    if (count < width) {
-        extend_digits(width - count);
-        digits -= width - count;
-    } else if (count > width) {
+    const uint8_t *digits = first_digit() + count - width;
+    if (count > width) [[unlikely]] {
         if (surplus_digits(count, width) < count - width) {
             return false;
         }
-        digits += count - width;
+    } else {
+        extend_digits(width - count);
     }
     if (width == 1) {
         sink.bit(target.slot, *digits);
@@ -313,6 +313,18 @@ bool Events::place_bits(Target target, uint32_t count, Sink &sink) {
         sink.bits(target.slot, digits, width);
     }
     return true;
+}
+
+// Writes whole words in front of the digits, one at least, so that whether a value is short makes
+// no difference to the processor.
+inline void Events::extend_digits(uint32_t by) {
+    const uint64_t word = uint64_t{0x0101010101010101} * extensions[*first_digit()];
+    uint8_t *place = first_digit();
+    const uint8_t *stop = place - by;
+    do {
+        place -= sizeof word;
+        std::memcpy(place, &word, sizeof word);
+    } while (place > stop);
 }
 
 inline Events::Step Events::read_reference(const char *at, const char *code, Reference &reference) {
