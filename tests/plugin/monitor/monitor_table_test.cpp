@@ -36,9 +36,10 @@ TEST_F(Recorder, MakesElementsThatBeginWithNothingCounted) {
 TEST_F(Recorder, KeepsEveryElementOnItsOwnCacheLines) {
     const wf::Type *logic = sim.types.std_logic();
     const std::string path = "/top/" + std::string(300, 'x');
+    const wf::Type *number = sim.types.integer("n", 3, 7);
     const int count = 5000;
     for (int i = 0; i < count; ++i) {
-        sim.signal(path + std::to_string(i), logic);
+        sim.signal(path + std::to_string(i), i % 2 == 0 ? number : logic);
     }
     sim.signal("/top/" + std::string(500000, 'y'), logic);
     watch("/top");

@@ -25,6 +25,7 @@ class Names : public Recorder {
         sim.signal("/top/u1/clk", logic);
         sim.signal("/top/bus", sim.types.array(logic, 7, 0));
         sim.signal("/top/up", sim.types.array(logic, -2, 5));
+        sim.signal("/top/far", sim.types.array(logic, INT32_MAX - 1, INT32_MAX));
         sim.signal("/top/mem", sim.types.array(sim.types.array(logic, 3, 0), 0, 1));
         const Type *record =
             sim.types.record("r", {{"f", logic}, {"g", sim.types.array(logic, 0, 2)}});
@@ -81,6 +82,8 @@ TEST_F(Names, LeadToSignalsAndElements) {
         {"/top/bus(7)", "/top/bus(7)", {}},
         {"/top/bus(9)", nullptr, {no_element("/top/bus(9)")}},
         {"/top/bus(99999999999999999999)", nullptr, {no_element("/top/bus(99999999999999999999)")}},
+        {"/top/far(2147483647)", "/top/far(2147483647)", {}},
+        {"/top/far(9999999999)", nullptr, {no_element("/top/far(9999999999)")}},
         {"/top/bus(4294967296)", nullptr, {no_element("/top/bus(4294967296)")}},
         {"/top/bus(3", nullptr, {no_element("/top/bus(3")}},
         {"/top/up(-2)", "/top/up(-2)", {}},
