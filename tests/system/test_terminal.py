@@ -1,0 +1,192 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""What shows on a terminal only: the prompt with completion and history, and the progress line."""
+
+import os
+import pathlib
+import pty
+import re
+import select
+import signal
+import subprocess
+import tempfile
+import time
+import unittest
+
+from programs import WFSIM
+
+WAVEFORM = """$timescale 1 ns $end
+$scope module tb $end
+$var wire 1 ! clk $end
+$scope module dut $end
+$var wire 4 " data [3:0] $end
+$var wire 1 # done $end
+$upscope $end
+$upscope $end
+$enddefinitions $end
+#0
+0!
+b0110 "
+1#
+#100
+1!
+"""
+PROMPT = "wfsim> "
+
+
+class Terminal:
+    """A program on a terminal of its own; screen() is what it has shown since the last call."""
+
+    def __init__(self, folder, *command, stdin=None, only_errors=False):
+        self.ours, theirs = pty.openpty()
+        environment = os.environ | {"HOME": str(folder), "TERM": "xterm"}
+        self.process = subprocess.Popen(
+            command, cwd=folder, env=environment, start_new_session=True,
+            stdin=theirs if stdin is None else stdin,
+            stdout=subprocess.DEVNULL if only_errors else theirs, stderr=theirs)
+        os.close(theirs)
+
+    def close(self):
+        self.process.kill()
+        self.process.wait()
+        os.close(self.ours)
+
+    def type(self, text):
+        os.write(self.ours, text.encode())
+
+    def read(self, ended):
+        """Shown text until ended(text) holds or the program has ended."""
+        text = ""
+        deadline = time.monotonic() + 60
+        while not ended(text) and time.monotonic() < deadline:
+            if not select.select([self.ours], [], [], 1.0)[0]:
+                continue
+            try:
+                data = os.read(self.ours, 65536)
+            except OSError:  # the other end is closed
+                break
+            if not data:
+                break
+            text += data.decode()
+        return text
+
+    def until(self, text):
+        """Shown text up to and including this; screen codes are taken out."""
+        codes = re.compile(r"\x1b\[[0-9;?]*[A-Za-z]|\x1b[=>]|\x07")
+        shown = self.read(lambda shown: text in codes.sub("", shown))
+        return codes.sub("", shown).replace("\r", "")
+
+    def rest(self):
+        return self.read(lambda _: False)
+
+
+class OnTerminal(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        (self.folder / "t.vcd").write_text(WAVEFORM)
+
+    def open(self, *arguments, **more):
+        terminal = Terminal(self.folder, WFSIM, *arguments, **more)
+        self.addCleanup(terminal.close)
+        return terminal
+
+
+class Prompt(OnTerminal):
+    def setUp(self):
+        super().setUp()
+        self.terminal = self.open("t.vcd")
+        self.assertIn(PROMPT, self.terminal.until(PROMPT))
+
+    def answer(self, typed, until=PROMPT):
+        self.terminal.type(typed + "\r")
+        shown = self.terminal.until("\n" + until)
+        self.assertTrue(shown.endswith("\n" + until), shown)
+        return shown.splitlines()[1:-1]
+
+    def test_results_errors_and_several_lines(self):
+        rows = [
+            ("run 10 us", ["Note: run stopped at 100 ns, the end of the data"]),
+            ("now", ["100 ns"]),
+            ("set x 5; puts a", ["a"]),
+            ("nonsense", ['Error: invalid command name "nonsense"']),
+            ("list $x", ["5"]),
+            ("toggle_interrupt", ["Error: interrupted"]),
+            ("toggle_stop",
+             ["Error (KLVA-PWR): set_toggle_region must be done before toggle_stop."]),
+        ]
+        for typed, shown in rows:
+            self.assertEqual(self.answer(typed), shown)
+        self.answer("if 1 {", "> ")
+        self.assertEqual(self.answer("puts one }"), ["one"])
+
+    def test_completion(self):
+        self.terminal.type("exa\t")
+        self.assertTrue(self.terminal.until("examine ").endswith("examine "))
+        self.terminal.type("/tb/du\tda\t")
+        self.assertIn("/tb/dut/data ", self.terminal.until("/tb/dut/data "))
+        self.assertEqual(self.answer(""), ["UUUU"])
+        self.terminal.type("set_t\t")
+        self.terminal.until("set_toggle_region ")
+        self.terminal.type("dut/do\t")
+        self.terminal.until("dut/done ")
+        self.assertEqual(self.answer(""), ["Information (KLVA-PWR): Completed set_toggle_region"])
+        self.terminal.type("run 1; examine /tb/dut/\t\t")
+        shown = self.terminal.until("done\n")
+        self.assertRegex(shown, r"data\s+/?\S*done\n")
+
+    def test_the_interrupt_key_clears_the_line(self):
+        self.terminal.type("nonsense")
+        self.terminal.until("nonsense")
+        os.kill(self.terminal.process.pid, signal.SIGINT)
+        self.terminal.until(PROMPT)
+        self.assertEqual(self.answer("puts kept"), ["kept"])
+
+    def test_end_of_input_and_history(self):
+        self.answer("puts remembered")
+        self.terminal.type("\x04")
+        self.terminal.rest()
+        self.assertEqual(self.terminal.process.wait(60), 0)
+        self.assertIn("remembered", (self.folder / ".wfsim_history").read_text().replace(r"\040", " "))
+        again = self.open("t.vcd")
+        again.until(PROMPT)
+        again.type("\x1b[A")  # cursor up
+        self.assertIn("puts remembered", again.until("puts remembered"))
+        again.type("\rquit -code 4\r")
+        again.rest()
+        self.assertEqual(again.process.wait(60), 4)
+
+
+class Progress(OnTerminal):
+    def shown_on_the_way(self, *arguments):
+        """What a terminal shows while the waveform comes slowly."""
+        reading, writing = os.pipe()
+        terminal = self.open("-", "-do", "run -all", *arguments, stdin=reading, only_errors=True)
+        os.close(reading)
+        with os.fdopen(writing, "w") as waveform:
+            waveform.write(WAVEFORM)
+            at = 100
+            for _ in range(4):
+                lines = []
+                while len(lines) < 150000:
+                    at += 10
+                    lines.append(f"#{at}\n{at // 10 % 2}!\n")
+                waveform.write("".join(lines))
+                waveform.flush()
+                time.sleep(0.3)
+        shown = terminal.rest()
+        self.assertEqual(terminal.process.wait(60), 0)
+        return shown
+
+    def test_drawn_over_itself_and_taken_away(self):
+        line = "\r\x1b\\[K"
+        one = r"\d+ MB, at [\d.]+ [num]s, \d+ MB/s"
+        self.assertRegex(self.shown_on_the_way(), f"^({line}{one})+{line}$")
+
+    def test_not_shown_when_it_shall_be_quiet(self):
+        self.assertEqual(self.shown_on_the_way("-quiet"), "")
+
+
+if __name__ == "__main__":
+    unittest.main()

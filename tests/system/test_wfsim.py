@@ -1,0 +1,85 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""The program's command line: exit statuses, damaged input, and what is told when something fails."""
+
+import pathlib
+import tempfile
+import unittest
+
+from programs import HERE, WFSIM, run, without_date
+
+SMALL = HERE / "golden" / "small.vcd"
+RECORD = ["-saif", "out.saif", "-instance", "/top"]
+
+# name: (arguments after the waveform, exit status, a part of what is told, is there a report)
+COMMAND_LINES = {
+    "a report": (RECORD, 0, "Report done", True),
+    "a region and a policy": (RECORD + ["-region", "/top/u1", "-policy", "off /top/u1/slot"], 0,
+                              "Report done", True),
+    "a script's status": (["-do", "quit -code 7"], 7, "", False),
+    "a Tcl error": (["-do", "toggle_begin"], 1, 'invalid command name "toggle_begin"', False),
+    "no such script": (["-do", "nowhere.tcl"], 1, "nowhere.tcl", False),
+    "no such plug-in": (["-do", "quit", "-foreign", "swfli_init ./nowhere.so"], 1, "nowhere.so",
+                        False),
+    "no such function": (["-do", "quit", "-foreign", "nowhere_init libm.so.6"], 1, "nowhere_init",
+                         False),
+    "no such option": (["-wrong"], 2, "-wrong", False),
+    "no such instance": (["-saif", "out.saif", "-instance", "/nowhere"], 2, "/nowhere", False),
+    "a unit that SAIF does not have": (RECORD + ["-unit", "1.0e-16"], 2, "1.0e-16", False),
+    "a window that ends before it starts": (RECORD + ["-start", "3ns", "-stop", "2ns"], 2, "-stop",
+                                            False),
+    "a window after the end": (RECORD + ["-start", "3us"], 1, "before -start", False),
+    "a report in a folder that is not there": (["-saif", "no/out.saif", "-instance", "/top"], 1,
+                                               "no/out.saif", False),
+    "a full disk": (["-saif", "/dev/full", "-instance", "/top"], 1, "/dev/full", False),
+    "a window left open": (["-do", "set_toggle_region /top; toggle_start; run -all"], 0,
+                           "the counting window is still open at the end", False),
+}
+
+# name: (what is done to the waveform's text, exit status, a part of what is told, is there a report)
+DAMAGED = {
+    "cut in a value": (lambda text: text[:text.index("b101 ")] + "b10", 3, "small.vcd:", True),
+    "an unknown id code": (lambda text: text.replace("#30\n1!", "#30\n1~"), 3, "small.vcd:", True),
+    "time runs backwards": (lambda text: text.replace("#40", "#4"), 3, "small.vcd:", True),
+    "cut in the declarations": (lambda text: text[:text.index("$enddef")], 3, "small.vcd", False),
+    "empty": (lambda text: "", 1, "small.vcd", False),
+    "something else": (lambda text: "\x7fELF" + text, 1, "small.vcd", False),
+}
+
+
+class Program(unittest.TestCase):
+    def check(self, waveform, arguments, status, told, reported, folder):
+        done = run(WFSIM, waveform, *arguments, folder=folder)
+        shown = done.stdout + done.stderr
+        self.assertEqual(done.returncode, status, shown)
+        self.assertIn(told, shown)
+        self.assertEqual(pathlib.Path(folder, "out.saif").exists(), reported, shown)
+        return shown
+
+    def test_command_lines(self):
+        for name, row in COMMAND_LINES.items():
+            with self.subTest(name), tempfile.TemporaryDirectory() as folder:
+                self.check(SMALL, *row, folder)
+
+    def test_damaged_waveforms(self):
+        for name, (damage, *expected) in DAMAGED.items():
+            with self.subTest(name), tempfile.TemporaryDirectory() as folder:
+                text = damage(SMALL.read_text())
+                pathlib.Path(folder, "small.vcd").write_text(text)
+                shown = self.check("small.vcd", RECORD, *expected, folder)
+                complaints = [line for line in shown.splitlines() if "small.vcd" in line]
+                self.assertEqual(len(complaints), 1, shown)
+
+    def test_what_was_recorded_before_the_damage_is_in_the_report(self):
+        text = SMALL.read_text()
+        with tempfile.TemporaryDirectory() as folder:
+            reports = []
+            for waveform in (text[:text.index("#30")], text.replace("#30\n1!", "#25\n1~")):
+                pathlib.Path(folder, "small.vcd").write_text(waveform)
+                run(WFSIM, "small.vcd", *RECORD, folder=folder)
+                reports.append(without_date(pathlib.Path(folder, "out.saif")))
+            self.assertEqual(*reports)
+
+
+if __name__ == "__main__":
+    unittest.main()
