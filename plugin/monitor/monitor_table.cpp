@@ -30,7 +30,7 @@ MonitorElement *mfli_init_monitor_element(mtiSignalIdT signal, const char *name)
     const mtiTypeIdT type = mti_GetSignalType(signal);
     const int32_t type_code = mfli_get_scalar_signal_type(type);
     const int32_t width = mfli_get_scalar_signal_width(type, type_code);
-    const size_t per_bit = sizeof(BitActivity *) + sizeof(MonitorBit);
+    const size_t per_bit = sizeof(void *) + sizeof(MonitorBit);
     const size_t size =
         sizeof(MonitorElement) + sizeof(mtiTime64T) + static_cast<size_t>(width) * per_bit;
     char *name_copy = nullptr;

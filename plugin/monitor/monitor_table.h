@@ -72,7 +72,7 @@ static_assert(sizeof(void *) != 8 || offsetof(MonitorBit, toggle) == 56,
 // every line of an element at once.
 inline MonitorBit *mfli_monitor_bits(MonitorElement *element) {
     const size_t ahead = sizeof(MonitorElement) + sizeof(mtiTime64T) +
-                         static_cast<size_t>(element->width) * sizeof(BitActivity *);
+                         static_cast<size_t>(element->width) * sizeof(void *);
     return reinterpret_cast<MonitorBit *>(reinterpret_cast<char *>(element) + ahead);
 }
 

@@ -16,7 +16,7 @@
 
 // The functions of the processes klva_track_toggles (parameter: the MonitorElement) and
 // klva_count_toggles (parameter unused).
-void mfli_process_event(void *element);
+void mfli_process_event(void *parameter);
 void mfli_update_event_count(void *unused);
 
 // Brings one element up to date at the end of a step whose time is `now`: credits the ticks since

@@ -48,7 +48,8 @@ int32_t mfli_get_scalar_signal_type(mtiTypeIdT type) {
 
 // The number of bits up to the highest one set in the type's right bound.
 static int32_t width_of_right_bound(mtiTypeIdT type) {
-    const int32_t width = std::bit_width(static_cast<uint32_t>(mti_TickRight(type)));
+    const auto right_bound = static_cast<uint32_t>(mti_TickRight(type));
+    const auto width = static_cast<int32_t>(std::bit_width(right_bound));
     if (width == 0) {
         mfli_print_text("Error (KLVA-PWR): Could not determine bitwidth");
         return 1;
