@@ -2,6 +2,9 @@
 // Escaping of names.
 #include "plugin/saif/legal_name.h"
 
+#include <cstdlib>
+#include <cstring>
+
 int is_legal_saif_hchar(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
@@ -28,16 +31,24 @@ void chg_to_saif_name(dstring **name) {
     if (*at == '\0') {
         return;  // most names are legal: the replacement would be the same text
     }
-    dstring *legal = nullptr;
-    if (at != text) {
-        legal = string_substr_len(*name, 0, static_cast<int32_t>(at - text));
+    char small[256];
+    const size_t most = 2 * size_t{string_len(*name)} + 1;
+    char *legal = most <= sizeof small ? small : static_cast<char *>(malloc(most));
+    if (legal == nullptr) {
+        return;
     }
+    const auto kept = static_cast<size_t>(at - text);
+    memcpy(legal, text, kept);
+    char *end = legal + kept;
     for (; *at != '\0'; at++) {
         if (must_escape(text, at)) {
-            string_concat_ch(&legal, '\\');
+            *end++ = '\\';
         }
-        string_concat_ch(&legal, *at);
+        *end++ = *at;
     }
-    string_free(*name);
-    *name = legal;
+    *end = '\0';
+    string_copy_char(name, legal);
+    if (legal != small) {
+        free(legal);
+    }
 }

@@ -2,7 +2,7 @@
 // From the monitor table to the writer's tree, and the records of ports, nets and instances.
 #include "plugin/saif/report_tree.h"
 
-#include "plugin/saif/fixed_text.h"
+#include "plugin/saif/record_text.h"
 #include "plugin/saif/writer.h"
 #include "plugin/support/hash_table.h"
 #include "plugin/support/messages.h"
@@ -26,20 +26,27 @@ static char *bit_name(const MonitorElement *element, const char *name, int32_t i
     return element->width == 1 ? mfli_strdup(name) : mfli_add_index_to_name(name, i);
 }
 
+static int insert_bit(const MonitorElement *element, int32_t i, const char *name, int is_port,
+                      SaifTree *tree) {
+    return saifout_insert_port_net_full_hier(name, element->bits[i]->switching, is_port, tree);
+}
+
 int insert_subelements_into_saif_tree(const MonitorElement *element, const char *name,
                                       SaifTree *tree) {
+    // The brackets once for all bits: what an index adds has parentheses already.
+    char *gate_name = mfli_strdup(name);
+    if (gate_name == nullptr) {
+        return 0;
+    }
+    mfli_convert_squareb_to_paren(gate_name);
     const int is_port = signal_is_port(element->signal);
     int complete = 1;
     for (int32_t i = 0; i < element->width; i++) {
-        char *bit = bit_name(element, name, i);
-        if (bit == nullptr) {
-            return 0;
-        }
-        mfli_convert_squareb_to_paren(bit);
-        complete &=
-            saifout_insert_port_net_full_hier(bit, element->bits[i]->switching, is_port, tree);
+        char *bit = bit_name(element, gate_name, i);
+        complete &= insert_bit(element, i, bit, is_port, tree);
         free(bit);
     }
+    free(gate_name);
     return complete;
 }
 
@@ -157,7 +164,7 @@ int insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const c
         } else {
             // Unlike in the gate-level tree, an unmatched bit is written with square brackets.
             mfli_convert_paren_to_squareb(bit);
-            complete &= saifout_insert_port_net_full_hier(bit, switching, is_port, tree);
+            complete &= insert_bit(element, i, bit, is_port, tree);
         }
         free(bit);
     }
@@ -222,67 +229,60 @@ int build_rtl_saif_tree(const char *instance, SaifTree *tree) {
     return complete;
 }
 
-// Appends a text, a value as "%f" does; each returns the new end.
-static char *put_text(char *at, const char *text) {
-    const size_t length = strlen(text);
-    memcpy(at, text, length);
-    return at + length;
+static void put_timing(RecordText *record, const saif_timing_attribute *timing, double scale) {
+    record_put(record, "(T0 ");
+    record_put_fixed(record, timing->t0 * scale);
+    record_put(record, ") (T1 ");
+    record_put_fixed(record, timing->t1 * scale);
+    record_put(record, ") (TX ");
+    record_put_fixed(record, timing->tx * scale);
+    record_put(record, ")\n");
 }
 
-static char *put_value(char *at, const char *before, double value) {
-    at = put_text(at, before);
-    return at + saif_format_fixed(at, value);
-}
-
-static void write_line(FILE *stream, const char *line, char *end) {
-    end = put_text(end, ")\n");
-    fwrite(line, 1, static_cast<size_t>(end - line), stream);
-}
-
-static void print_timing(FILE *stream, const saif_timing_attribute *timing, double scale) {
-    char line[3 * FIXED_TEXT_SIZE + 32];
-    char *end = put_value(line, "(T0 ", timing->t0 * scale);
-    end = put_value(end, ") (T1 ", timing->t1 * scale);
-    end = put_value(end, ") (TX ", timing->tx * scale);
-    write_line(stream, line, end);
-}
-
-static void print_toggles(FILE *stream, const saif_toggle_attribute *toggle) {
-    char line[2 * FIXED_TEXT_SIZE + 32];
-    char *end = put_value(line, "(TC ", toggle->tc);
-    end = put_value(end, ") (IG ", toggle->ig);
-    write_line(stream, line, end);
+static void put_toggles(RecordText *record, const saif_toggle_attribute *toggle) {
+    record_put(record, "(TC ");
+    record_put_fixed(record, toggle->tc);
+    record_put(record, ") (IG ");
+    record_put_fixed(record, toggle->ig);
+    record_put(record, ")\n");
 }
 
 void net_print(FILE *stream, const dstring *name, void *switching, double scale, int indentation) {
-    const auto *record = static_cast<const saif_switching_attribute *>(switching);
-    saif_write_blanks(stream, indentation);
-    putc('(', stream);
-    fputs(string_to_char(name), stream);
-    putc('\n', stream);
+    const auto *activity = static_cast<const saif_switching_attribute *>(switching);
+    RecordText record;
+    record_begin(&record, stream);
+    record_put_blanks(&record, indentation);
+    record_put(&record, "(");
+    record_put(&record, string_to_char(name), string_len(name));
+    record_put(&record, "\n");
     // The blanks of a line whose record is missing are written all the same.
-    saif_write_blanks(stream, indentation + 3);
-    if (record->timing != nullptr) {
-        print_timing(stream, record->timing, scale);
+    record_put_blanks(&record, indentation + INDENTATION_STEP);
+    if (activity->timing != nullptr) {
+        put_timing(&record, activity->timing, scale);
     }
-    saif_write_blanks(stream, indentation + 3);
-    if (record->toggle != nullptr) {
-        print_toggles(stream, record->toggle);
+    record_put_blanks(&record, indentation + INDENTATION_STEP);
+    if (activity->toggle != nullptr) {
+        put_toggles(&record, activity->toggle);
     }
-    saif_write_blanks(stream, indentation);
-    fputs(")\n", stream);
+    record_put_blanks(&record, indentation);
+    record_put(&record, ")\n");
+    record_end(&record);
 }
 
 void node_print(FILE *stream, const dstring *name, void *node_info, int *indentation) {
     const auto kind = static_cast<int32_t>(reinterpret_cast<intptr_t>(node_info));
-    const char *opening = "(INSTANCE ";
+    RecordText record;
+    record_begin(&record, stream);
+    record_put_blanks(&record, *indentation);
     if (kind == RTL_SEQUENTIAL) {
-        opening = "(VIRTUAL_INSTANCE \"sequential\" ";
+        record_put(&record, "(VIRTUAL_INSTANCE \"sequential\" ");
+    } else if (kind == RTL_TRI_STATE) {
+        record_put(&record, "(VIRTUAL_INSTANCE \"tri-state\" ");
+    } else {
+        record_put(&record, "(INSTANCE ");
     }
-    if (kind == RTL_TRI_STATE) {
-        opening = "(VIRTUAL_INSTANCE \"tri-state\" ";
-    }
-    saif_write_blanks(stream, *indentation);
-    fprintf(stream, "%s%s\n", opening, string_to_char(name));
-    *indentation += 3;
+    record_put(&record, string_to_char(name), string_len(name));
+    record_put(&record, "\n");
+    record_end(&record);
+    *indentation += INDENTATION_STEP;
 }

@@ -123,6 +123,9 @@ int saifout_tree_is_empty(const SaifTree *tree) {
 
 // A string of the first `length` characters.
 static dstring *string_of(const char *text, size_t length) {
+    if (text[length] == '\0') {
+        return string_alloc(text);
+    }
     char small[256];
     char *copy = length < sizeof small ? small : static_cast<char *>(malloc(length + 1));
     if (copy == nullptr) {

@@ -3,12 +3,10 @@
 #include "plugin/saif/writer.h"
 
 #include "plugin/saif/legal_name.h"
+#include "plugin/saif/record_text.h"
 
-#include <cerrno>
 #include <cstring>
 #include <ctime>
-
-static constexpr int INDENTATION_STEP = 3;
 
 // What the tree being written prints with, and how deep the writer is.
 static saif_net_print_fn generate_saif_for_net;
@@ -17,14 +15,13 @@ static saif_node_print_fn generate_saif_for_node;
 static saif_leak_print_fn generate_saif_for_leak;
 static int ident_space;
 
-void saif_write_blanks(FILE *stream, int count) {
-    static const char blanks[] = "                                                                ";
-    constexpr int most = sizeof blanks - 1;
-    while (count > 0) {
-        const int now = count < most ? count : most;
-        fwrite(blanks, 1, static_cast<size_t>(now), stream);
-        count -= now;
-    }
+// A line of the writer's own, as deep as the writer is.
+static void generate_line(FILE *stream, const char *line) {
+    RecordText record;
+    record_begin(&record, stream);
+    record_put_blanks(&record, ident_space);
+    record_put(&record, line, strlen(line));
+    record_end(&record);
 }
 
 // A name without any instance has no place in the file. The list is gone afterwards.
@@ -91,8 +88,7 @@ static void generate_saif_header(const saif_header *header) {
 
 static void generate_close(FILE *stream) {
     ident_space -= INDENTATION_STEP;
-    saif_write_blanks(stream, ident_space);
-    fputs(")\n", stream);
+    generate_line(stream, ")\n");
 }
 
 static void generate_objects(FILE *stream, const saif_list *objects, const char *opening,
@@ -100,8 +96,7 @@ static void generate_objects(FILE *stream, const saif_list *objects, const char 
     if (objects == nullptr || saif_list_is_empty(objects)) {
         return;
     }
-    saif_write_blanks(stream, ident_space);
-    fputs(opening, stream);
+    generate_line(stream, opening);
     ident_space += INDENTATION_STEP;
     for (saif_list_item *item = objects->head; item != nullptr; item = item->next) {
         chg_to_saif_name(&item->key);
