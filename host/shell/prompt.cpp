@@ -96,6 +96,8 @@ class LineEditor {
         if (typed == nullptr) {
             return std::nullopt;
         }
+        // One that came just before the reading began has found nothing to clear.
+        take_interrupt();
         std::string line(typed);
         std::free(typed);
         if (line.find_first_not_of(" \t") != std::string::npos) {

@@ -140,9 +140,10 @@ bool ReportRun::settle_unit() {
     }
     char *end = nullptr;
     const double unit = std::strtod(options_.unit.c_str(), &end);
-    const bool usable = *end == '\0' && unit > 0 && std::isfinite(unit) &&
-                        std::trunc(std::log10(unit)) >= -15 && std::trunc(std::log10(unit)) <= 0;
-    return usable || tell("-unit: expected a number of seconds from 1.0e-15 to 1.0, got \"" +
+    const double exponent = unit > 0 ? std::log10(unit) : 1.0;
+    const bool usable = *end == '\0' && exponent <= 0 && exponent >= -15 &&
+                        std::abs(exponent - std::round(exponent)) < 1e-9;
+    return usable || tell("-unit: expected a power of ten from 1.0e-15 to 1.0 (seconds), got \"" +
                           options_.unit + "\"");
 }
 
