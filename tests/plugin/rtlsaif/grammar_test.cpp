@@ -8,7 +8,7 @@
 #include <random>
 
 #include "plugin/rtlsaif/scanner.h"
-#include "reading.h"
+#include "tests/plugin/rtlsaif/reading.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;

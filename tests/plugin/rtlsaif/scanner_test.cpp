@@ -10,7 +10,7 @@
 
 #include "plugin/rtlsaif/grammar.h"
 #include "plugin/rtlsaif/scanner_rules.h"
-#include "reading.h"
+#include "tests/plugin/rtlsaif/reading.h"
 
 using namespace std::string_literals;
 
