@@ -1,0 +1,240 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
+"""Word for word what the program answers to command lines, scripts from a pipe and interrupts."""
+
+import array
+import fcntl
+import pathlib
+import shutil
+import signal
+import subprocess
+import tempfile
+import termios
+import time
+import unittest
+
+from programs import BUILD, WFSIM, run
+
+HEADER = """$timescale 1 ns $end
+$scope module tb $end
+$var wire 1 ! clk $end
+$scope module dut $end
+$var wire 1 ! clk $end
+$var wire 4 " q [3:0] $end
+$upscope $end
+$upscope $end
+$enddefinitions $end
+"""
+EVENTS = '#0\n0!\nb0000 "\n#10\n1!\nb0001 "\n#20\n0!\n#30\n1!\nb0010 "\n#40\n0!\n'
+START = "Kelvara power code initialized and linked successfully\n"
+INFO = "Information (KLVA-PWR): "
+SELECTED = INFO + "Completed set_toggle_region\n"
+OPENED = INFO + "Turned on counting window at time %d.000000\n"
+ENDED = "Note: run stopped at 40 ns, the end of the data\n"
+STILL_OPEN = "Warning: the counting window is still open at the end; it is in no report\n"
+MORE = "; wfsim -help tells more\n"
+
+
+def recorded(start, stop, note=""):
+    return (SELECTED + OPENED % start + note
+            + INFO + f"Turned off counting window at time {stop}.000000\n"
+            + INFO + f'Report done, wrote file "o.saif" at time {stop}.000000\n')
+
+
+# Refused before anything is opened: arguments, standard error.
+REFUSED = [
+    ([], "no waveform given" + MORE),
+    (["t.vcd", "b.vcd"], "a second waveform: b.vcd" + MORE),
+    (["t.vcd", "-wave"], "unknown option -wave" + MORE),
+    (["t.vcd", "-do"], "-do needs a word after it" + MORE),
+    (["t.vcd", "-saif", "a", "-saif", "b"], "-saif is given twice" + MORE),
+    (["t.vcd", "-stop", "5", "-do", "now"], "-stop goes with -saif only" + MORE),
+    (["t.vcd", "-saif", "a", "-do", "now"], "-saif and -do exclude each other" + MORE),
+    (["t.vcd", "-saif", "a", "-testbench", "/tb"], "-testbench goes with -rtl only" + MORE),
+    (["t.vcd", "-foreign", "init"], '-foreign: expected "function library", got "init"\n'),
+    (["-", "-batch"], "the waveform is standard input, so commands need -do or -saif\n"),
+]
+
+# Arguments after the waveform, exit status, what the transcript shows after the plug-in's greeting.
+ANSWERED = [
+    (["-do", "puts [now]", "-quiet", "-do", "run 15; puts [now]"], 0, "0 ns\n15 ns\n"),
+    (["-c", "-do", "run 10; puts [examine /tb/clk],[examine -hex dut/q]"], 0, "1,1\n"),
+    (["-do", "set x 1\nputs $y"], 1, "Error: -do:2: can't read \"y\": no such variable\n"),
+    (["-do", "gone.tcl"], 1, "Error: do: cannot read gone.tcl: No such file or directory\n"),
+    (["-do", "toggle_interrupt; puts on"], 130, "Error: -do:1: interrupted\n"),
+    (["-do", "set_toggle_region /tb; toggle_start"], 0, SELECTED + OPENED % 0 + STILL_OPEN),
+    (["-saif", "o.saif"], 0, recorded(0, 40)),
+    (["-saif", "o.saif", "-start", "5", "-stop", "0.02us", "-instance", "dut", "-region",
+      "/tb/dut/q(1)", "-region", "clk"], 0, recorded(5, 20)),
+    (["-saif", "o.saif", "-stop", "1us"], 0, recorded(0, 40, ENDED)),
+    (["-saif", "o.saif", "-start", "1.5ns"], 0,
+     'Warning: "1.5ns" is not a whole number of ticks of 1 ns; rounded to 2 ns\n' + recorded(2, 40)),
+    (["-saif", "o.saif", "-start", "41"], 1,
+     SELECTED + ENDED + "Error: no report: the waveform ends at 40 ns, before -start\n"),
+    (["-saif", "o.saif", "-start", "soon"], 2,
+     'Error: expected a time such as 100, 100ns or 1.5 us, got "soon"\n'),
+    (["-saif", "o.saif", "-unit", "5e-9"], 2, "Error: -unit: expected a power of ten from 1.0e-15 "
+     'to 1.0 (seconds), got "5e-9"\n'),
+    (["-saif", "o.saif", "-region", "/tb/y"], 2,
+     "Error: no region or signal /tb/y in the waveform\n"),
+    (["-saif", "a b.saif"], 2, "Error: \"a b.saif\" has a blank or a comma, where the plug-in's "
+     "commands end a word\n"),
+    (["-saif", "."], 1, "Error: .: cannot write the report: it is a folder\n"),
+    (["-saif", "o.saif", "-policy", "maybe /tb"], 1,
+     'Error (KLVA-PWR): First argument must be "on" or "off"\n'
+     + INFO + "Net monitoring policy done\n"),
+    (["-saif", "o.saif", "-rtl", "none.saif", "-testbench", "/tb"], 1,
+     "Error (KLVA-PWR): Unable to open file none.saif\n"),
+]
+
+
+class Folder(unittest.TestCase):
+    def setUp(self):
+        self.maxDiff = None
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        (self.folder / "t.vcd").write_text(HEADER + EVENTS)
+
+    def expect(self, done, status, output, errors=""):
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (status, output, errors))
+
+    def wfsim(self, *arguments, **more):
+        more = more if "input" in more else more | {"stdin": subprocess.DEVNULL}
+        return run(WFSIM, *arguments, folder=self.folder, **more)
+
+
+class CommandLines(Folder):
+    def test_refused_lines(self):
+        for arguments, errors in REFUSED:
+            with self.subTest(arguments):
+                self.expect(self.wfsim(*arguments), 2, "", "wfsim: " + errors)
+
+    def test_answered_lines(self):
+        for arguments, status, output in ANSWERED:
+            with self.subTest(arguments):
+                # Options may stand on either side of the waveform.
+                self.expect(self.wfsim("t.vcd", *arguments), status, START + output)
+                self.expect(self.wfsim(*arguments, "t.vcd"), status, START + output)
+
+    def test_several_top_modules_need_a_choice(self):
+        (self.folder / "two.vcd").write_text(
+            HEADER.replace("$endd", "$scope module glbl $end\n$upscope $end\n$endd") + EVENTS)
+        self.expect(self.wfsim("two.vcd", "-saif", "o.saif"), 2,
+                    START + "Error: several modules at the top; choose with -instance: /tb /glbl\n")
+
+    def test_commands_from_standard_input(self):
+        self.expect(self.wfsim("t.vcd", input="proc p {} {\n puts [now]\n}\nrun 25\np\nnow\n"), 0,
+                    START + "25 ns\n")
+        self.expect(self.wfsim("t.vcd", input="now\n\nnonsense\nputs on\n"), 1,
+                    START + 'Error: <stdin>:3: invalid command name "nonsense"\n')
+
+    def test_the_plugin_is_found_where_installations_put_it(self):
+        for program, library in (("bin", "lib"), ("flat", "flat")):
+            with self.subTest(program):
+                for name, file in ((program, WFSIM), (library, BUILD / "lib" / "libswfli.so")):
+                    (self.folder / name).mkdir(exist_ok=True)
+                    shutil.copy(file, self.folder / name)
+                program_path = self.folder / program / "wfsim"
+                done = run(program_path, "t.vcd", "-do", "puts ok", folder=self.folder)
+                self.expect(done, 0, START + "ok\n")
+                shutil.rmtree(self.folder / library)
+
+    def test_transcript_file_and_trace(self):
+        script = 'puts "a\u20ac"; set_toggle_region /tb/dut/q; puts stderr e; run 1.2'
+        done = self.wfsim("t.vcd", "-l", "log", "-trace=calls", "-do", script)
+        rounded = 'Warning: "1.2" is not a whole number of ticks of 1 ns; rounded to 1 ns\n'
+        self.expect(done, 0, START + "a\u20ac\n" + SELECTED + rounded, "e\n")
+        self.assertEqual((self.folder / "log").read_text(),
+                         START + "a\u20ac\n" + SELECTED + "e\n" + rounded)
+        calls = (self.folder / "calls").read_text()
+        self.assertRegex(calls, r"(?m)^fli: .*mti_FindSignal\(/tb/dut/q\)")
+        self.assertTrue(all(line.startswith("fli: ") for line in calls.splitlines()))
+        done = self.wfsim("t.vcd", "-trace", "-do", "set_toggle_region /tb/dut/q")
+        self.assertIn("mti_Sensitize(", done.stdout)
+
+    def test_files_that_cannot_be_written(self):
+        full = "/dev/full: the %s could not be written completely\n"
+        rows = [("-l", "/nowhere/x", "/nowhere/x: cannot open the transcript: No such file or "
+                 "directory\n"), ("-l", "/dev/full", full % "transcript"),
+                ("-trace=/nowhere/x", None, "/nowhere/x: cannot open the trace: No such file or "
+                 "directory\n"), ("-trace=/dev/full", None, full % "trace")]
+        for option, word, errors in rows:
+            with self.subTest(option):
+                done = self.wfsim("t.vcd", "-do", "now", *filter(None, (option, word)))
+                self.assertEqual((done.returncode, done.stderr), (1, "wfsim: " + errors))
+        with open("/dev/full", "w", encoding="ascii") as disk:
+            done = subprocess.run([WFSIM, "t.vcd", "-do", "now"], cwd=self.folder, stdout=disk,
+                                  stderr=subprocess.PIPE, text=True, check=False)
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, "wfsim: standard output could not be written completely\n"))
+
+
+class Interrupts(Folder):
+    """The waveform comes through a pipe, so that the test decides how far the run has got."""
+
+    def start(self, *arguments):
+        """The program in the middle of the waveform, all it was sent replayed up to 40 ns."""
+        process = subprocess.Popen([WFSIM, "-", *arguments], cwd=self.folder, text=True,
+                                   stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE)
+        self.addCleanup(process.kill)
+        # Formats are recognised by more than these few lines.
+        process.stdin.write("$comment " + 70000 * "." + " $end\n" + HEADER + EVENTS)
+        process.stdin.flush()
+        self.wait_until(lambda: unread(process.stdin) == 0 and state(process) == "S")
+        return process
+
+    def wait_until(self, holds):
+        end = time.monotonic() + 60
+        while not holds():
+            self.assertLess(time.monotonic(), end, "waited too long")
+            time.sleep(0.01)
+
+    def finish(self, process, status, output):
+        process.send_signal(signal.SIGINT)
+        shown, told = process.communicate("#50\n1!\n#60\n0!\n")
+        self.assertEqual((process.returncode, shown, told), (status, START + output, ""))
+
+    def test_the_one_command_form_reports_what_it_has(self):
+        self.finish(self.start("-saif", "o.saif"), 130,
+                    recorded(0, 40, "Note: interrupted at 40 ns\n"))
+        self.assertIn("(DURATION 40.00)", (self.folder / "o.saif").read_text())
+
+    def test_nothing_to_report_before_the_window(self):
+        self.finish(self.start("-saif", "o.saif", "-start", "55ns"), 130,
+                    SELECTED + "Note: interrupted at 40 ns\n"
+                    "Error: no report: the run ended before the window opened\n")
+        self.assertFalse((self.folder / "o.saif").exists())
+
+    def test_a_script_ends_unless_it_catches_it(self):
+        self.finish(self.start("-do", "run -all\nputs on"), 130,
+                    "Error: -do:1: interrupted at 40 ns\n")
+        self.finish(self.start("-do", "catch {run -all} text; puts $text; run -all; puts [now]"), 0,
+                    "interrupted at 40 ns\n60 ns\n")
+
+    def test_the_second_one_ends_the_program(self):
+        process = self.start("-do", "run -all")
+        while process.poll() is None:  # two that arrive together would count as one
+            process.send_signal(signal.SIGINT)
+            time.sleep(0.01)
+        self.assertEqual(process.returncode, 130)
+        self.assertEqual(process.communicate()[1],
+                         "\nwfsim: interrupted twice, leaving at once\n")
+
+
+def unread(pipe):
+    """Bytes that the reader at the other end has not taken yet."""
+    count = array.array("i", [0])
+    fcntl.ioctl(pipe, termios.FIONREAD, count)
+    return count[0]
+
+
+def state(process):
+    """One letter: R for running, S for waiting."""
+    text = pathlib.Path(f"/proc/{process.pid}/stat").read_text()
+    return text.rpartition(")")[2].split()[0]
+
+
+if __name__ == "__main__":
+    unittest.main()
