@@ -159,8 +159,8 @@ static void register_array_element(mtiSignalIdT element, mtiRegionIdT region,
     char *name = mfli_get_signal_full_name_indirect(element, region);
     register_single_net(element, name);
     const int suffix = mfli_last_substring_position(name, "(");
-    // One character less than the whole base name is compared, as it always was: names that differ
-    // in the base's last character alone count as one path.
+    // The comparison stops one character short of the whole base name: names that differ in the
+    // base's last character alone count as one path.
     const size_t compared = suffix > 0 ? static_cast<size_t>(suffix) - 1 : 0;
     if (suffix >= 0 && strncmp(name, array_name, compared) != 0) {
         register_second_path(element, array_name, name + suffix, position);

@@ -57,6 +57,7 @@ TEST_F(Recorder, WatchesOneHandleOnceUnderAllItsNames) {
     sim.signal("/top/bus", sim.types.array(logic, 1, 0));
     sim.region("/top/u1");
     sim.shared_signal("/top/u1/own", "/top/net");
+    sim.alias("/top/u1/merged", "/top/net");  // met twice, each time under its one full name
     watch("/top");
     const mtiSignalIdT net = sim.handle("/top/net");
     for (const char *name : {"/top/net", "/top/u1/port", "/top/u2/p", "/top/u1/port"}) {
@@ -68,6 +69,14 @@ TEST_F(Recorder, WatchesOneHandleOnceUnderAllItsNames) {
                                        "/top/bus(0) 0/1", "/top/u1/own 0/1"));
     EXPECT_EQ(sim.kernel().process_count(), 8U);
     EXPECT_THAT(sim.lines(), IsEmpty());
+}
+
+TEST_F(Recorder, SaysLittleOfASignalWithoutAType) {
+    mfli_register_net(nullptr, "/top/s", 0);
+    EXPECT_EQ(sim.lines().back(), "mfli_msg_buf");
+    EXPECT_STREQ(mfli_msg_buf,
+                 "Warning (KLVA-PWR): could not determine type for signal /top/s, skipping");
+    EXPECT_THAT(watched(), IsEmpty());
 }
 
 // A scalar that is declared under the very name by which an array's element might be known a second
