@@ -3,6 +3,7 @@
 // number of objects. Reads from memory, so that the disk has no part in it.
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
 #include <string>
 
 #include "plugin/rtlsaif/parser.h"
@@ -14,14 +15,19 @@ static std::string forward_file(int64_t objects) {
     std::string text =
         "(SAIFILE (SAIFVERSION \"2.0\") (DIRECTION \"forward\") (DESIGN \"d\") (DATE) (VENDOR)\n"
         "(PROGRAM_NAME) (VERSION) (DIVIDER /)\n(INSTANCE \"d\" top\n";
+    char line[200];
     for (int64_t i = 0; i < objects; ++i) {
-        const std::string name = "count" + std::to_string(i / 8 % 100);
-        const std::string bit = std::to_string(i % 8);
+        const long unit = static_cast<long>(i / 800);
+        const int name = static_cast<int>(i / 8 % 100);
+        const int bit = static_cast<int>(i % 8);
         if (i % 800 == 0) {
-            text += (i > 0 ? "))\n" : "") + ("(INSTANCE \"unit\" u" + std::to_string(i / 800)) +
-                    "\n(NET\n";
+            snprintf(line, sizeof line, "%s(INSTANCE \"unit\" u%ld\n(NET\n", i > 0 ? "))\n" : "",
+                     unit);
+            text += line;
         }
-        text += "(" + name + "[" + bit + "] " + name + "_reg\\[" + bit + "\\]/Q \"sequential\")\n";
+        snprintf(line, sizeof line, "(count%d[%d] count%d_reg\\[%d\\]/Q \"sequential\")\n", name,
+                 bit, name, bit);
+        text += line;
     }
     return text + ")))\n)\n";
 }

@@ -131,7 +131,7 @@ TEST(Scanner, KnowsEveryPrintableCharacter) {
 }
 
 TEST(Scanner, BacksOffFurtherThanTheFirstPushBackBuffer) {
-    std::string text = "\"", tokens = "";
+    std::string text = "\"", tokens;
     for (int i = 0; i < 500; ++i) {
         text += "a ";
         tokens += "a ";
