@@ -161,14 +161,23 @@ EventsEnd Events::finish(const char *at) {
     return error_.empty() ? EventsEnd::end_of_data : EventsEnd::damaged;
 }
 
-// How many digits on the left say nothing that their right neighbour would not be extended by.
-uint32_t Events::surplus_digits(uint32_t count, uint32_t width) {
+bool Events::fits(uint32_t count, uint32_t width) {
     const uint8_t *digits = first_digit();
-    uint32_t surplus = 0;
-    while (surplus < count - width && digits[surplus] == extensions[digits[surplus + 1]]) {
-        ++surplus;
+    for (uint32_t i = width; i < count; ++i, ++digits) {
+        if (digits[0] != extensions[digits[1]]) {
+            return false;
+        }
     }
-    return surplus;
+    return true;
+}
+
+uint32_t Events::widest_of(const Target &target) const {
+    uint32_t width = 0;
+    const Target *one = ids_.first_of(target, &target);
+    for (uint32_t left = target.count(); left > 0; --left, ++one) {
+        width = std::max(width, one->is_bits() ? one->shape : 0);
+    }
+    return width;
 }
 
 const char *Events::skip_blanks(const char *text) const {
@@ -206,19 +215,9 @@ Events::Step Events::fault_in_digits(const char *at, uint32_t count) {
     return fault(at, "digits 0, 1, x or z", quoted({at + 1 + count, 1}));
 }
 
-Events::Step Events::fault_in_target(const char *at, const Reference &reference, uint32_t count) {
-    if (count == 0) {
-        return fault_at_word(at, "a value of bits for " + quoted(reference.code));
-    }
-    uint32_t width = reference.target.shape;
-    if (reference.target.is_several()) {
-        const Target *targets = ids_.extra(reference.target);
-        width = 0;
-        for (uint32_t i = 0; i < reference.target.count(); ++i) {
-            width = std::max(width, targets[i].is_bits() ? targets[i].shape : 0);
-        }
-    }
-    return fault(at, "at most " + std::to_string(width) + " digits for " + quoted(reference.code),
+Events::Step Events::fault_in_width(const char *at, const Reference &reference, uint32_t count) {
+    const std::string width = std::to_string(widest_of(reference.target));
+    return fault(at, "at most " + width + " digits for " + quoted(reference.code),
                  std::to_string(count));
 }
 

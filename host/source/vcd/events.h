@@ -95,13 +95,16 @@ class Events {
     // Hands over the `count` digits that lie at first_digit().
     template <typename Sink>
     Step place(const char *at, const Reference &reference, uint32_t count, Sink &sink);
-    // The same for one target that is bits; false: there are too many digits.
+    // The same for one target that is bits: cuts them or extends them on the left.
     template <typename Sink>
-    bool place_bits(Target target, uint32_t count, Sink &sink);
+    void put_bits(Target target, uint32_t count, Sink &sink);
 
     uint8_t *first_digit() { return digits_.data() + widest_ + 8; }
     uint32_t convert_digits(const char *text);
-    uint32_t surplus_digits(uint32_t count, uint32_t width);
+    // Whether the digits beyond the width, if any, say nothing that an extension would not.
+    bool fits(uint32_t count, uint32_t width);
+    // Bits of the widest target behind a reference; 0 when none is bits.
+    uint32_t widest_of(const Target &target) const;
     void extend_digits(uint32_t by);
     Step read_reference(const char *at, const char *code, Reference &reference);
     Step read_odd_reference(const char *at, const char *code, Reference &reference);
@@ -114,7 +117,7 @@ class Events {
     Step fault(const char *at, std::string_view expected, std::string_view got);
     Step fault_at_word(const char *at, std::string_view expected);
     Step fault_in_digits(const char *at, uint32_t count);
-    Step fault_in_target(const char *at, const Reference &reference, uint32_t count);
+    Step fault_in_width(const char *at, const Reference &reference, uint32_t count);
 
     Tokens &tokens_;
     const IdTable &ids_;
@@ -251,13 +254,12 @@ Events::Step Events::real(const char *&at, Sink &sink) {
     if (step != Step::done) {
         return step;
     }
-    const bool several = reference.target.is_several();
-    const Target *target = several ? ids_.extra(reference.target) : &reference.target;
-    for (uint32_t left = several ? reference.target.count() : 1; left > 0; --left, ++target) {
-        if (target->shape == Target::real) {
-            sink.real(target->slot, value);
-        } else if (target->is_bits()) {
-            return fault_in_target(at, reference, 0);
+    const Target *one = ids_.first_of(reference.target, &reference.target);
+    for (uint32_t left = reference.target.count(); left > 0; --left, ++one) {
+        if (one->shape == Target::real) {
+            sink.real(one->slot, value);
+        } else if (one->is_bits()) {
+            return fault_at_word(at, "a value of bits for " + quoted(reference.code));
         }
     }
     at = reference.after;
@@ -281,30 +283,32 @@ Events::Step Events::time(const char *&at, Sink &sink) {
     return sink.time(value) ? Step::done : Step::stop;
 }
 
-// A number that is left as it is by a change of bits: a real has no x for $dumpoff.
+// A change of bits leaves a number as it is: a real has no x for $dumpoff.
 template <typename Sink>
 Events::Step Events::place(const char *at, const Reference &reference, uint32_t count, Sink &sink) {
     const Target target = reference.target;
-    if (target.is_bits()) [[likely]] {
-        return place_bits(target, count, sink) ? Step::done : fault_in_target(at, reference, count);
+    if (target.is_bits() && count <= target.shape) [[likely]] {
+        put_bits(target, count, sink);
+        return Step::done;
     }
-    bool placed = !target.is_several();
-    for (uint32_t i = 0; target.is_several() && i < target.count(); ++i) {
-        const Target one = ids_.extra(target)[i];
-        placed |= !one.is_bits() || place_bits(one, count, sink);
+    const uint32_t width = widest_of(target);
+    if (width > 0 && !fits(count, width)) {
+        return fault_in_width(at, reference, count);
     }
-    return placed ? Step::done : fault_in_target(at, reference, count);
+    const Target *one = ids_.first_of(target, &target);
+    for (uint32_t left = target.count(); left > 0; --left, ++one) {
+        if (one->is_bits()) {
+            put_bits(*one, count, sink);
+        }
+    }
+    return Step::done;
 }
 
 template <typename Sink>
-bool Events::place_bits(Target target, uint32_t count, Sink &sink) {
+void Events::put_bits(Target target, uint32_t count, Sink &sink) {
     const uint32_t width = target.shape;
     const uint8_t *digits = first_digit() + count - width;
-    if (count > width) [[unlikely]] {
-        if (surplus_digits(count, width) < count - width) {
-            return false;
-        }
-    } else {
+    if (count <= width) [[likely]] {
         extend_digits(width - count);
     }
     if (width == 1) {
@@ -312,7 +316,6 @@ bool Events::place_bits(Target target, uint32_t count, Sink &sink) {
     } else {
         sink.bits(target.slot, digits, width);
     }
-    return true;
 }
 
 // Writes whole words in front of the digits, one at least, so that whether a value is short makes

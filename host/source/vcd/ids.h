@@ -31,7 +31,7 @@ struct Target {
 
     bool is_bits() const { return shape - 1 < max_width; }
     bool is_several() const { return shape >= several; }
-    uint32_t count() const { return shape - several; }
+    uint32_t count() const { return is_several() ? shape - several : 1; }
     bool operator==(const Target &) const = default;
 };
 
@@ -81,8 +81,10 @@ class IdTable {
     // that are longer than eight characters or not plain ASCII.
     Target find(Code code) const;
     Target find_text(std::string_view code) const;
-    // The targets of one that is several.
-    const Target *extra(Target target) const { return extra_.data() + target.slot; }
+    // The first of a target's count(): `single` itself unless it is several.
+    const Target *first_of(Target target, const Target *single) const {
+        return target.is_several() ? extra_.data() + target.slot : single;
+    }
     // Bits of the widest target, at least 1.
     uint32_t widest() const { return widest_; }
 

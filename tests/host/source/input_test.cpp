@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: Apache-2.0
+// Inputs: the bytes come out whole from files, pipes and gzip streams, and damage is named.
+#include "host/source/input.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "tests/host/source/vcd_reading.h"
+
+namespace wf::test {
+namespace {
+
+using testing::HasSubstr;
+
+std::string read_all(Input &input, std::size_t piece) {
+    std::string result;
+    std::string buffer(piece, '\0');
+    while (const std::size_t count = input.read(buffer.data(), piece)) {
+        result.append(buffer, 0, count);
+    }
+    return result;
+}
+
+std::string numbers(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) {
+        text += std::to_string(i * 7919) + "\n";
+    }
+    return text;
+}
+
+TEST(Input, PeekTakesNothing) {
+    const std::string text = numbers(50);
+    for (const std::size_t piece : {1U, 3U, 64U, 1000U}) {
+        const auto input = make_memory_input("m", text, piece);
+        EXPECT_EQ(input->peek(5), text.substr(0, 5));
+        EXPECT_EQ(input->peek(90), text.substr(0, 90));
+        EXPECT_EQ(input->peek(2), text.substr(0, 2));
+        EXPECT_EQ(read_all(*input, 7), text);
+        EXPECT_EQ(input->peek(1), "");
+        EXPECT_FALSE(input->failed());
+    }
+}
+
+TEST(Input, FilesKnowTheirLength) {
+    const std::string text = numbers(100000);
+    const std::string path = temporary_file("input.txt", text);
+    std::string error;
+    const auto input = open_file_input(path, &error);
+    ASSERT_NE(input, nullptr) << error;
+    EXPECT_EQ(input->bytes_total(), text.size());
+    EXPECT_EQ(read_all(*input, 65536), text);
+    EXPECT_EQ(input->bytes_read(), text.size());
+
+    EXPECT_EQ(open_file_input(path + ".none", &error), nullptr);
+    EXPECT_EQ(error, path + ".none: expected a readable file, got: No such file or directory");
+    const auto folder = open_file_input(testing::TempDir(), &error);
+    EXPECT_EQ(read_all(*folder, 10), "");
+    EXPECT_EQ(folder->failure(), "Is a directory");
+}
+
+TEST(Input, PipesComeInWhateverPiecesTheyLike) {
+    const std::string text = gzipped(numbers(100000)) + gzipped("and more\n");
+    const std::string path = testing::TempDir() + "input.pipe";
+    unlink(path.c_str());
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    std::thread writer([&] { temporary_file("input.pipe", text); });
+    std::string error;
+    auto input = open_file_input(path, &error);
+    EXPECT_EQ(input->bytes_total(), 0U);
+    EXPECT_EQ(read_all(*make_gzip_input(std::move(input)), 1000), numbers(100000) + "and more\n");
+    writer.join();
+}
+
+TEST(Input, GzipThatIsCutAnywhereGivesItsBeginningAndFails) {
+    const std::string text = numbers(300);
+    const std::string compressed = gzipped(text);
+    for (std::size_t length = 1; length < compressed.size(); ++length) {
+        const auto input =
+            make_gzip_input(make_memory_input("m", compressed.substr(0, length), 1 + length % 50));
+        const std::string read = read_all(*input, 100);
+        ASSERT_TRUE(text.starts_with(read)) << length;
+        ASSERT_EQ(input->failure(), "a truncated gzip stream") << length;
+    }
+}
+
+TEST(Input, GzipThatIsDamagedIsNamed) {
+    const std::string text = numbers(300);
+    std::string changed = gzipped(text);
+    changed[changed.size() - 6] ^= 1;  // in the checksum
+    const std::pair<std::string, const char *> rows[] = {
+        {changed, "a damaged gzip stream (incorrect data check)"},
+        {"\x1f\x8b rather not", "a damaged gzip stream (unknown compression method)"},
+        {gzipped(text) + "more", "other bytes after the end of the gzip stream"},
+        {gzipped(text) + gzipped(text), ""}};
+    for (const auto &[compressed, failure] : rows) {
+        const auto input = make_gzip_input(make_memory_input("m", compressed));
+        const std::string read = read_all(*input, 64);
+        EXPECT_EQ(input->failure(), failure);
+        EXPECT_TRUE((text + text).starts_with(read));
+    }
+}
+
+}  // namespace
+}  // namespace wf::test

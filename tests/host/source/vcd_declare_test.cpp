@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+// Declarations of VCD files: which regions, signals and storage they make, and what is refused.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/host/source/vcd_reading.h"
+
+namespace wf::test {
+namespace {
+
+using testing::ElementsAreArray;
+
+std::string in_top(const std::string &variables) {
+    return "$scope module top $end\n" + variables + "\n$upscope $end\n$enddefinitions $end\n";
+}
+
+struct DesignRow {
+    const char *what;
+    std::string declarations;
+    std::vector<std::string> design;
+};
+
+const DesignRow design_rows[] = {
+    {"ranges: ascending, descending, negative, missing, one bit, without a blank",
+     in_top("$var wire 8 ! a [7:0] $end $var reg 4 \" b [0:3] $end $var reg 4 # c [1:-2] $end\n"
+            "$var logic 3 $ d $end $var wire 1 % e [5:5] $end $var bit 2 & f[1:0] $end\n"
+            "$var tri 2 ' g [ 1 : 0 ] $end\n"),
+     {"/top module", "  a(7:0) @0", "  b(0:3) @8", "  c(1:-2) @12", "  d(2:0) @16", "  e(5:5) @19",
+      "  f(1:0) @20", "  g(1:0) @22"}},
+    {"kinds without a state of bits make no signal, numbers are kept as such",
+     in_top("$var event 1 ! ev $end $var parameter 32 \" P [31:0] $end $var string 0 # s $end\n"
+            "$var real 64 $ r $end $var realtime 64 % rt $end $var integer 32 & i $end\n"
+            "$var time 64 ' t $end $var byte 8 ( b $end $var supply1 1 ) vdd $end\n"),
+     {"/top module", "  r real @0", "  rt real @8", "  i(31:0) @16", "  t(63:0) @48",
+      "  b(7:0) @112", "  vdd @120"}},
+    {"bits one by one, falling, rising, jumbled, with a hole; written with and without a blank",
+     in_top("$var wire 1 ! f [2] $end $var wire 1 \" f [1] $end $var wire 1 # f [0] $end\n"
+            "$var wire 1 $ r[-1] $end $var wire 1 % r[0] $end\n"
+            "$var wire 1 & j [0] $end $var wire 1 ' h[7] $end $var wire 1 ( j [2] $end\n"
+            "$var wire 1 ) h[4] $end $var wire 1 * j [1] $end $var wire 1 + one [3] $end\n"),
+     {"/top module", "  f(2:0) @0", "  r(-1:0) @3", "  j(2:0) @5", "  h(7:4) @8",
+      "  one(3:3) @12"}},
+    {"bits stay apart beside a variable of their name, when far apart, or met twice",
+     in_top("$var wire 2 ! a [1:0] $end $var wire 1 \" a [1] $end\n"
+            "$var wire 1 # b [0] $end $var wire 1 $ b [1000] $end\n"
+            "$var wire 1 % c [0] $end $var wire 1 & c [0] $end\n"),
+     {"/top module", "  a(1:0) @0", "  a[1] @2", "  b[0] @3", "  b[1000] @4", "  c[0] @5",
+      "  c[0] @6"}},
+    {"words of a memory, escaped or not, falling and rising",
+     in_top("$var reg 2 ! \\m[0] [1:0] $end $var reg 2 \" \\m[1] [1:0] $end\n"
+            "$var reg 3 # n[5][2:0] $end $var reg 3 $ n[4][2:0] $end $var reg 2 % k[0] $end\n"
+            "$var reg 2 & k[1] $end\n"),
+     {"/top module", "  m(0:1)(1:0) @0", "  n(5:4)(2:0) @4", "  k(0:1)(1:0) @10"}},
+    {"words stay apart with a gap, with two ranges, alone, or beside their name",
+     in_top("$var reg 2 ! \\g[0] [1:0] $end $var reg 2 \" \\g[2] [1:0] $end\n"
+            "$var reg 2 # \\w[0] [1:0] $end $var reg 2 $ \\w[1] [0:1] $end\n"
+            "$var reg 2 % \\a[0] [1:0] $end\n"
+            "$var reg 1 & n $end $var reg 2 ' \\n[0] [1:0] $end $var reg 2 ( \\n[1] [1:0] $end\n"),
+     {"/top module", "  g[0](1:0) @0", "  g[2](1:0) @2", "  w[0](1:0) @4", "  w[1](0:1) @6",
+      "  a[0](1:0) @8", "  n @10", "  n[0](1:0) @11", "  n[1](1:0) @13"}},
+    {"escaped names keep their brackets and odd characters",
+     in_top("$var wire 1 ! \\s[0] $end $var wire 1 \" \\s[1] $end $var wire 1 # \\a.b/c $end\n"
+            "$var wire 1 $ $auto$1 $end\n"),
+     {"/top module", "  s[0] @0", "  s[1] @1", "  a.b/c @2", "  $auto$1 @3"}},
+    {"one code for many names: one storage, a signal each; one set of bits in two orders",
+     in_top("$var wire 1 ! a $end $var wire 2 \" v [1:0] $end $var wire 1 # p[1] $end\n"
+            "$var wire 1 $ p[0] $end $scope module u $end $var wire 1 ! x $end\n"
+            "$var wire 2 \" y [8:9] $end $var wire 1 # q[1] $end $var wire 1 $ q[0] $end\n"
+            "$var wire 1 $ s[1] $end $var wire 1 # s[0] $end $upscope $end\n"),
+     {"/top module", "  a @0", "  v(1:0) @1", "  p(1:0) @3", "/top/u module", "  x @0",
+      "  y(8:9) @1", "  q(1:0) @3", "  s(1:0) @5"}},
+    {"one code with two widths: storage for each",
+     in_top("$var wire 4 ! a [3:0] $end $var wire 2 ! b [1:0] $end $var wire 2 ! c [1:0] $end\n"),
+     {"/top module", "  a(3:0) @0", "  b(1:0) @4", "  c(1:0) @4"}},
+    {"kinds of scopes, several roots, and a kind that nobody knows",
+     "$scope package p $end $upscope $end $scope module t $end $scope begin b[0] $end $upscope "
+     "$end\n"
+     "$scope task \\k.1 $end $upscope $end $scope function f $end $upscope $end\n"
+     "$scope struct s $end $upscope $end $scope interface i $end $upscope $end\n"
+     "$scope generate g $end $upscope $end $scope vhdl_process v $end $upscope $end\n"
+     "$scope cell c $end $upscope $end $enddefinitions $end\n",
+     {"/p package", "/t module", "/t/b[0] block", "/t/k.1 task", "/t/f function", "/t/s record",
+      "/t/i interface", "/t/g generate", "/t/v process", "/t/c module"}},
+    {"a scope opened again goes on; the same declaration in it counts once, bits join",
+     "$scope module t $end $var wire 1 ! a $end $var wire 1 \" b[1] $end $upscope $end\n"
+     "$scope module t $end $var wire 1 ! a $end $var wire 1 # b[0] $end $var wire 1 \" b[1] $end\n"
+     "$var wire 1 $ a $end $upscope $end $enddefinitions $end\n",
+     {"/t module", "  a @0", "  b(1:0) @1", "  a @3"}},
+    {"sections anywhere, unknown ones skipped, ports of extended VCD, CRLF",
+     "\r\n$date today $end\r\n$scope module t $end\r\n$comment $var $scope $end\r\n"
+     "$attrbegin misc 02 x $end\r\n$var port [3:0] <0 bus $end\r\n$var port 1 <1 p $end\r\n"
+     "$upscope $end\r\n$enddefinitions $end\r\n",
+     {"/t module", "  bus(3:0) inout @0", "  p inout @4"}},
+};
+
+TEST(VcdDeclare, MakesTheDesignThatTheDeclarationsMean) {
+    for (const DesignRow &row : design_rows) {
+        SCOPED_TRACE(row.what);
+        const VcdReading reading = read_vcd(row.declarations);
+        EXPECT_EQ(reading.error, "");
+        EXPECT_THAT(reading.design, ElementsAreArray(row.design));
+    }
+}
+
+TEST(VcdDeclare, TimescaleIsThePowerOfTen) {
+    const std::pair<const char *, int> rows[] = {
+        {"1 s", 0},    {"10s", 1},    {"100 s", 2},   {"1ms", -3},  {"100ms", -1},  {"10 us", -5},
+        {"1\nns", -9}, {"100ns", -7}, {"10 ps", -11}, {"1fs", -15}, {"100 fs", -13}};
+    for (const auto &[text, exponent] : rows) {
+        const std::string timescale = std::string("$timescale ") + text + " $end ";
+        EXPECT_EQ(read_vcd(timescale + in_top("")).resolution, exponent) << text;
+    }
+    EXPECT_EQ(read_vcd(in_top("")).resolution, -9);
+}
+
+TEST(VcdDeclare, RefusesWhatMakesNoSenseInOneMessage) {
+    const std::pair<std::string, const char *> rows[] = {
+        {"", "t.vcd:1: expected $enddefinitions, got end of file"},
+        {"$date\n", "t.vcd:2: expected $end of $date, got end of file"},
+        {"$scope module t $end\n#0\n", "t.vcd:2: expected $enddefinitions, got '#0'"},
+        {"$scope module t $end\n$dumpvars\n", "t.vcd:2: expected $enddefinitions, got '$dumpvars'"},
+        {"$enddefinitions\n#0\n", "t.vcd:2: expected $end of $enddefinitions, got '#0'"},
+        {"$end\n", "t.vcd:1: expected a section, got '$end'"},
+        {"$timescale 2ns $end",
+         "t.vcd:1: expected a timescale of 1, 10 or 100 s, ms, us, ns, ps or fs, got '2ns'"},
+        {"$timescale 1 parsec $end",
+         "t.vcd:1: expected a timescale of 1, 10 or 100 s, ms, us, ns, ps or fs, got '1parsec'"},
+        {"$timescale 1ns\n$scope module t $end",
+         "t.vcd:2: expected $end of $timescale, got '$scope'"},
+        {"$scope $end", "t.vcd:1: expected the kind of a scope, got '$end'"},
+        {"$scope module $end", "t.vcd:1: expected the name of a scope, got '$end'"},
+        {"$scope module a b $end", "t.vcd:1: expected $end of $scope, got 'b'"},
+        {"$upscope $end", "t.vcd:1: expected an open $scope, got '$upscope'"},
+        {"$var wire 1 ! a $end", "t.vcd:1: expected $scope before the first $var, got '$var'"},
+        {in_top("$var wirr 1 ! a $end"), "t.vcd:2: expected the kind of a variable, got 'wirr'"},
+        {in_top("$var wire x ! a $end"), "t.vcd:2: expected a width in bits, got 'x'"},
+        {in_top("$var wire 0 ! a $end"),
+         "t.vcd:2: expected a width of 1 to 16777216 bits, got '0'"},
+        {in_top("$var wire 16777217 ! a $end"),
+         "t.vcd:2: expected a width of 1 to 16777216 bits, got '16777217'"},
+        {in_top("$var wire 4 ! a [7:0] $end"), "t.vcd:2: expected a range of 4 bits, got '[7:0]'"},
+        {in_top("$var wire 1 ! [3] $end"), "t.vcd:2: expected the name of a variable, got '[3]'"},
+        {in_top("$var wire 1 ! $end"), "t.vcd:2: expected the name of a variable, got '$end'"},
+        {in_top("$var wire 1 $end"), "t.vcd:2: expected an identifier code, got '$end'"},
+        {in_top("$var wire 1 ! a\n$var wire 1 \" b $end"),
+         "t.vcd:3: expected $end of $var, got '$var'"},
+        {in_top("$var wire 1 ! \x01\x7f\xff"
+                "a$end"),
+         "t.vcd:3: expected $end of $var, got '$upscope'"},
+    };
+    for (const auto &[text, message] : rows) {
+        const VcdReading reading = read_vcd(text);
+        EXPECT_EQ(reading.error, message);
+        EXPECT_FALSE(reading.loaded);
+    }
+}
+
+}  // namespace
+}  // namespace wf::test

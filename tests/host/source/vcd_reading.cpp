@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: Apache-2.0
+// The reading of VCD texts for tests.
+#include "tests/host/source/vcd_reading.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "host/source/vcd/declare.h"
+#include "host/source/vcd/events.h"
+
+namespace wf::test {
+namespace {
+
+const char *const kind_names[] = {"module",   "program",  "interface", "instance", "block",
+                                  "generate", "record",   "block",     "process",  "package",
+                                  "task",     "function", "statement"};
+
+class ListSink {
+  public:
+    ListSink(VcdReading &reading, Slot slots) : events_(reading.events), slots_(slots) {}
+
+    bool time(Ticks time) {
+        events_.push_back("#" + std::to_string(time));
+        return true;
+    }
+    void bit(Slot slot, uint8_t value) { bits(slot, &value, 1); }
+    void bits(Slot first, const uint8_t *values, uint32_t count) {
+        std::string line = start(first, count);
+        for (uint32_t i = 0; i < count; ++i) {
+            line += std::string_view("UX01ZWLH-").at(values[i]);
+        }
+        events_.push_back(line);
+    }
+    void real(Slot slot, double value) {
+        std::ostringstream line;
+        line << start(slot, 8) << value;
+        events_.push_back(line.str());
+    }
+
+  private:
+    std::string start(Slot first, uint32_t count) const {
+        if (uint64_t{first} + count > slots_) {
+            throw std::out_of_range("an event outside the storage");
+        }
+        return std::to_string(first) + "=";
+    }
+
+    std::vector<std::string> &events_;
+    Slot slots_;
+};
+
+void describe_region(Design &design, Region *region, std::vector<std::string> &lines) {
+    lines.push_back(design.full_name(region) + " " + kind_names[static_cast<int>(region->kind)]);
+    for (const Signal *signal : region->signals) {
+        std::string line = std::string("  ") + design.name_of(signal);
+        const Type *type = signal->type;
+        for (; type->kind == TypeKind::array; type = type->element) {
+            line += "(" + std::to_string(type->left) + ":" + std::to_string(type->right) + ")";
+        }
+        line += type->kind == TypeKind::real ? " real" : "";
+        line += design.mode_of(signal) == Mode::inout ? " inout" : "";
+        lines.push_back(line + " @" + std::to_string(signal->slot));
+    }
+    for (Region *child : region->children) {
+        describe_region(design, child, lines);
+    }
+}
+
+}  // namespace
+
+std::vector<std::string> describe(Design &design) {
+    std::vector<std::string> lines;
+    for (Region *root : design.roots()) {
+        describe_region(design, root, lines);
+    }
+    return lines;
+}
+
+VcdReading read_vcd(const std::string &text, std::size_t block, std::size_t piece) {
+    VcdReading reading;
+    Design design;
+    vcd::IdTable ids;
+    vcd::Tokens tokens(make_memory_input("t.vcd", text, piece), block);
+    {
+        vcd::Declarations declarations(design, ids);
+        if (!read_header(tokens, declarations, &reading.error)) {
+            return reading;
+        }
+        reading.loaded = declarations.finish();
+    }
+    reading.design = describe(design);
+    reading.resolution = design.resolution_exponent;
+    vcd::Events events(tokens, ids);
+    ListSink sink(reading, design.slot_count());
+    events.run(sink);
+    reading.error = events.error();
+    return reading;
+}
+
+std::string data_path(std::string_view name) {
+    const auto tests = std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
+    return (tests / "data" / name).string();
+}
+
+std::string data_file(std::string_view name) {
+    std::ifstream file(data_path(name), std::ios::binary);
+    if (!file) {
+        throw std::runtime_error("no file " + data_path(name));
+    }
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string gzipped(const std::string &text) {
+    z_stream stream = {};
+    deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY);
+    std::string result(deflateBound(&stream, text.size()) + 64, '\0');
+    std::string source = text;
+    stream.next_in = reinterpret_cast<Bytef *>(source.data());
+    stream.avail_in = static_cast<uInt>(source.size());
+    stream.next_out = reinterpret_cast<Bytef *>(result.data());
+    stream.avail_out = static_cast<uInt>(result.size());
+    deflate(&stream, Z_FINISH);
+    result.resize(stream.total_out);
+    deflateEnd(&stream);
+    return result;
+}
+
+std::string temporary_file(const std::string &name, const std::string &content) {
+    const std::string path = testing::TempDir() + name;
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << content;
+    if (!file.flush()) {
+        throw std::runtime_error("cannot write " + path);
+    }
+    return path;
+}
+
+}  // namespace wf::test

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+// A VCD text read into lists of lines, for tests that compare them: the design that its
+// declarations make, and its events one by one.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/design/design.h"
+#include "host/source/vcd/tokens.h"
+
+namespace wf::test {
+
+struct VcdReading {
+    // "/top module", "  bus(7:0) @3", "  mem(0:3)(7:0) @11", "  r real @19", "  p inout @27"
+    std::vector<std::string> design;
+    // "#10", "3=1", "4=01XZ", "8=1.5"; the number is the first slot
+    std::vector<std::string> events;
+    int resolution = 0;
+    std::string error;  // of either half
+    bool loaded = false;
+};
+
+// Reads `text` under the name t.vcd through a buffer of `block` bytes that is filled in pieces of
+// at most `piece`. An event outside the design's storage throws.
+VcdReading read_vcd(const std::string &text, std::size_t block = vcd::Tokens::default_block,
+                    std::size_t piece = SIZE_MAX);
+
+std::vector<std::string> describe(Design &design);
+
+// The content of tests/data/NAME, which must exist.
+std::string data_file(std::string_view name);
+std::string data_path(std::string_view name);
+
+std::string gzipped(const std::string &text);
+
+// A file of that content in the test's temporary folder.
+std::string temporary_file(const std::string &name, const std::string &content);
+
+}  // namespace wf::test
