@@ -2,9 +2,10 @@
 // Signal state is process-wide by nature; this file is the only one that touches it.
 #include "host/shell/interrupt.h"
 
-#include <signal.h>
+#include <poll.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstring>
 
 namespace wf {
@@ -27,19 +28,15 @@ void handle_interrupt(int) {
     }
 }
 
-void install(int flags) {
-    struct sigaction action;
-    std::memset(&action, 0, sizeof action);
-    action.sa_handler = handle_interrupt;
-    action.sa_flags = flags;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
-}
-
 }  // namespace
 
 void catch_interrupts() {
-    install(SA_RESTART);
+    struct sigaction action;
+    std::memset(&action, 0, sizeof action);
+    action.sa_handler = handle_interrupt;
+    action.sa_flags = SA_RESTART;  // readers of files shall not see it
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, nullptr);
 }
 
 const volatile std::sig_atomic_t *interrupt_flag() {
@@ -52,12 +49,25 @@ bool take_interrupt() {
     return taken;
 }
 
-InterruptibleReads::InterruptibleReads() {
-    install(0);
+HeldInterrupts::HeldInterrupts() {
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGINT);
+    sigprocmask(SIG_BLOCK, &held, &before_);
 }
 
-InterruptibleReads::~InterruptibleReads() {
-    install(SA_RESTART);
+HeldInterrupts::~HeldInterrupts() {
+    sigprocmask(SIG_SETMASK, &before_, nullptr);
+}
+
+bool HeldInterrupts::wait_for_input(int descriptor) const {
+    pollfd wanted = {.fd = descriptor, .events = POLLIN, .revents = 0};
+    while (pending == 0) {
+        if (ppoll(&wanted, 1, nullptr, &before_) >= 0 || errno != EINTR) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void on_interrupt(void (*notify)(void *), void *argument) {

@@ -5,6 +5,8 @@
 #ifndef WATTFORGE_HOST_SHELL_INTERRUPT_H
 #define WATTFORGE_HOST_SHELL_INTERRUPT_H
 
+#include <signal.h>
+
 #include <csignal>
 
 namespace wf {
@@ -18,14 +20,20 @@ const volatile std::sig_atomic_t *interrupt_flag();
 // Answers a waiting interrupt: true once for each.
 bool take_interrupt();
 
-// While one of these lives, a blocking read is broken off by the interrupt key instead of being
-// taken up again: the prompt needs that, readers of files must not see it.
-class InterruptibleReads {
+// While one of these lives, the interrupt key is held back except inside wait_for_input: none gets
+// lost between looking at the flag and waiting.
+class HeldInterrupts {
   public:
-    InterruptibleReads();
-    InterruptibleReads(const InterruptibleReads &) = delete;
-    InterruptibleReads &operator=(const InterruptibleReads &) = delete;
-    ~InterruptibleReads();
+    HeldInterrupts();
+    HeldInterrupts(const HeldInterrupts &) = delete;
+    HeldInterrupts &operator=(const HeldInterrupts &) = delete;
+    ~HeldInterrupts();
+
+    // Waits until the descriptor has input (or its end). False: an interrupt came first.
+    bool wait_for_input(int descriptor) const;
+
+  private:
+    sigset_t before_;
 };
 
 // A function for the signal handler to call (it must be safe there), for example one that wakes

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // The line editor has one state for the whole process and calls back without any context of ours,
-// hence the file's one variable.
+// hence the file's variables.
 #include "host/shell/prompt.h"
 
 #include <editline/readline.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
+#include <cwchar>
 #include <optional>
 
 #include "host/fli/session.h"
@@ -26,6 +28,8 @@ struct Completion {
     std::vector<std::string> candidates;
     size_t next = 0;
 } completion;
+
+const HeldInterrupts *interrupts = nullptr;  // while a line is being read
 
 // --- completion ---
 
@@ -60,12 +64,29 @@ char **complete_word(const char *word, int start, int) {
 
 // --- the line editor ---
 
+// The next character typed; -1 at the end of the input and for the interrupt key.
+int read_key(std::FILE *) {
+    std::mbstate_t state = {};
+    char byte = 0;
+    wchar_t key = 0;
+    while (interrupts->wait_for_input(STDIN_FILENO) && read(STDIN_FILENO, &byte, 1) == 1) {
+        const size_t length = std::mbrtowc(&key, &byte, 1, &state);
+        if (length == static_cast<size_t>(-1)) {
+            state = {};
+        } else if (length != static_cast<size_t>(-2)) {
+            return static_cast<int>(key);
+        }
+    }
+    return -1;
+}
+
 class LineEditor {
   public:
     explicit LineEditor(Shell &shell) {
         static char word_breaks[] = " \t\n\";{}[";
         completion.shell = &shell;
         rl_readline_name = "wfsim";
+        rl_getc_function = read_key;
         rl_initialize();
         rl_catch_signals = 0;
         rl_completer_word_break_characters = word_breaks;
@@ -91,13 +112,13 @@ class LineEditor {
 
     // Nothing at the end of the input, and after the interrupt key.
     std::optional<std::string> read_line(const char *prompt) {
-        const InterruptibleReads interruptible;
+        const HeldInterrupts held;
+        interrupts = &held;
         char *typed = readline(prompt);
+        interrupts = nullptr;
         if (typed == nullptr) {
             return std::nullopt;
         }
-        // One that came just before the reading began has found nothing to clear.
-        take_interrupt();
         std::string line(typed);
         std::free(typed);
         if (line.find_first_not_of(" \t") != std::string::npos) {
