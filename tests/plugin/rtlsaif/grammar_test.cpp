@@ -205,7 +205,15 @@ TEST(Parser, ReadsFilesAndSaysWhenItCanNot) {
     ASSERT_NE(freopen(path.c_str(), "r", stdin), nullptr);
     EXPECT_EQ(saifrtl_parse_file_for_design(nullptr, objects, nullptr), 1);
     EXPECT_EQ(list_objects(objects).size(), 2 * SAMPLE_OBJECTS.size());
+
+    file = fopen(path.c_str(), "w");
+    fputs("(()", file);
+    fclose(file);
+    EXPECT_EQ(saifrtl_parse_file_for_design(path.c_str(), objects, nullptr), 0);
+    EXPECT_EQ(saifrtl_n_input_stream, 0);
+    EXPECT_NE(saifrtl_get_syntax_error_msg(), nullptr);
     saifrtl_parse_reset();
+    EXPECT_EQ(saifrtl_get_syntax_error_msg(), nullptr);
     mfli_free_rtl_hash(objects);
     remove(path.c_str());
 }

@@ -175,10 +175,11 @@ TEST(Scanner, FindsARuleInAList) {
 }
 
 TEST(Streams, NestWithTheirOwnLineDividerAndFlags) {
-    const std::string outer = "a\nb", inner = "x.y\n\n/ z";
+    const std::string outer = "a\nb", inner = "x~y\n\n/ z";
     saifrtl_global_init_lex(100);
     saifrtl_local_open_stream(open_text(outer), "outer", nullptr, nullptr, 1);
     ASSERT_EQ(next_tokens(1), "a");
+    saifrtl_hierarchy_divider() = '~';
     saifrtl_local_open_stream(open_text(inner), "inner", nullptr, nullptr, 1);
     EXPECT_STREQ(saifrtl_current_file(), "inner");
     EXPECT_EQ(saifrtl_current_line(), 1);
@@ -190,7 +191,7 @@ TEST(Streams, NestWithTheirOwnLineDividerAndFlags) {
     EXPECT_EQ(next_tokens(1), "b");
     EXPECT_STREQ(saifrtl_current_file(), "outer");
     EXPECT_EQ(saifrtl_current_line(), 2);
-    EXPECT_EQ(saifrtl_hierarchy_divider(), '.');
+    EXPECT_EQ(saifrtl_hierarchy_divider(), '~');
     EXPECT_EQ(rest_of_tokens(), "");
     EXPECT_EQ(saifrtl_n_input_stream, 0);
     EXPECT_EQ(saifrtl_current_file(), nullptr);
