@@ -23,16 +23,26 @@ static int compare_sequences(const void *a, const void *b) {
     return (sequence_a > sequence_b ? 1 : 0) - (sequence_a < sequence_b ? 1 : 0);
 }
 
-// Few holes: every entry to the slot of its number, then the slots moved up over the holes.
+static st_entry **entry_array(size_t length) {
+    return static_cast<st_entry **>(calloc(length, sizeof(void *)));
+}
+
+// Few holes: every entry to the slot of its number, then those behind a hole moved up.
 static st_entry **place_entries(const st_table *table) {
-    const auto slots = static_cast<size_t>(table->last_sequence) + 1;
-    auto **ordered = static_cast<st_entry **>(calloc(slots, sizeof(st_entry *)));
+    const int64_t slots = int64_t{table->last_sequence} + 1;
+    st_entry **ordered = entry_array(static_cast<size_t>(slots));
     for_each_entry(table, [ordered](st_entry *entry) { ordered[entry->sequence] = entry; });
-    size_t used = 0;
-    for (size_t slot = 0; slot < slots; ++slot) {
-        if (ordered[slot] != nullptr) {
-            ordered[used++] = ordered[slot];
+    int32_t used = 0;
+    for (int64_t slot = 0; slot < slots; ++slot) {
+        st_entry *entry = ordered[slot];
+        if (entry == nullptr) {
+            continue;
         }
+        if (used != slot) {
+            entry->sequence = used;
+            ordered[used] = entry;
+        }
+        ++used;
     }
     return ordered;
 }
@@ -40,23 +50,21 @@ static st_entry **place_entries(const st_table *table) {
 // Many holes: all entries, sorted by their numbers.
 static st_entry **sort_entries(const st_table *table) {
     const auto count = static_cast<size_t>(table->count);
-    auto **ordered = static_cast<st_entry **>(malloc((count + 1) * sizeof(st_entry *)));
+    st_entry **ordered = entry_array(count + 1);
     size_t used = 0;
     for_each_entry(table, [ordered, &used](st_entry *entry) { ordered[used++] = entry; });
-    qsort(ordered, count, sizeof(st_entry *), compare_sequences);
+    qsort(ordered, count, sizeof(void *), compare_sequences);
+    for (size_t i = 0; i < used; ++i) {
+        ordered[i]->sequence = static_cast<int32_t>(i);
+    }
     return ordered;
 }
 
-// The entries in order of insertion. When deletions left holes, they are renumbered without.
+// The entries in order of insertion. Where deletions left holes, they are renumbered without.
 static st_entry **entries_in_order(st_table *table) {
     const bool few_holes = table->last_sequence <= int64_t{table->count} * 2;
     st_entry **ordered = few_holes ? place_entries(table) : sort_entries(table);
-    if (table->last_sequence != table->count - 1) {
-        for (int32_t i = 0; i < table->count; ++i) {
-            ordered[i]->sequence = i;
-        }
-        table->last_sequence = table->count - 1;
-    }
+    table->last_sequence = table->count - 1;
     return ordered;
 }
 

@@ -112,8 +112,11 @@ list *list_split(list_handle *handle) {
     list *container = handle->list;
     list *before = list_alloc();
     list_gen_init(container);
-    while (container->head != handle) {
-        list_append(before, list_handle_delete(container->head));
+    list_handle *moved = container->head;
+    while (moved != handle) {
+        list_handle *next = moved->next;
+        list_append(before, list_handle_delete(moved));
+        moved = next;
     }
     list_gen_fini(container);
     return before;

@@ -6,11 +6,9 @@
 #include <cstdlib>
 #include <cstring>
 
-void util_assert(bool condition, const char *what) {
-    if (!condition) {
-        fprintf(stderr, "Internal error: %s\n", what);
-        abort();
-    }
+void util_stop(const char *what) {
+    fprintf(stderr, "Internal error: %s\n", what);
+    abort();
 }
 
 static bool is_digit(char c) {

@@ -123,7 +123,7 @@ TEST(HashTable, HoldsWhatAReferenceHoldsInTheSameOrder) {
         for (int step = 0; step < 1500 && !testing::Test::HasFatalFailure(); ++step) {
             // Phases of growth, of balance and of decay, so that both ways to renumber are met.
             const std::array<unsigned, 3> deletions = {10, 45, 85};
-            random_step(random, table, reference, deletions[(step / 250) % 3]);
+            random_step(random, table, reference, deletions[static_cast<size_t>(step / 250) % 3]);
             check_structure(table);
         }
         ASSERT_EQ(walk(table), reference.pairs());

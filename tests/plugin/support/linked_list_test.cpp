@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <list>
 #include <map>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -70,12 +69,11 @@ class Model {
         } else if (choice < 10 && !live_.empty()) {
             remove();
         } else if (choice < 12) {
-            walks_.push_back(
-                {std::make_unique<list_walk>(list_), live_.empty() ? 0 : live_.front()});
+            walks_.emplace_back(list_, live_.empty() ? 0 : live_.front());
         } else if (choice < 15 && !walks_.empty()) {
-            move_on(walks_[random_() % walks_.size()]);
+            move_on(*any_walk());
         } else if (!walks_.empty()) {
-            walks_.erase(walks_.begin() + static_cast<long>(random_() % walks_.size()));
+            walks_.erase(any_walk());
             if (walks_.empty()) {
                 behind_.clear();
             }
@@ -96,12 +94,17 @@ class Model {
 
   private:
     struct Walk {
-        std::unique_ptr<list_walk> walk;
-        intptr_t node;
+        Walk(list *container, intptr_t first) : walk(container), node(first) {}
+        list_walk walk;
+        intptr_t node;  // on which it should stand; 0 at the end
     };
 
     bool is_live(intptr_t node) {
         return std::find(live_.begin(), live_.end(), node) != live_.end();
+    }
+
+    std::list<Walk>::iterator any_walk() {
+        return std::next(walks_.begin(), static_cast<long>(random_() % walks_.size()));
     }
 
     intptr_t any() {
@@ -147,14 +150,14 @@ class Model {
 
     void move_on(Walk &walk) {
         if (walk.node == 0) {
-            EXPECT_FALSE(*walk.walk);
+            EXPECT_FALSE(walk.walk);
             return;
         }
         walk.node = behind(walk.node);
-        walk.walk->step();
-        ASSERT_EQ(static_cast<bool>(*walk.walk), walk.node != 0);
+        walk.walk.step();
+        ASSERT_EQ(static_cast<bool>(walk.walk), walk.node != 0);
         if (walk.node != 0) {
-            EXPECT_EQ(reinterpret_cast<intptr_t>(walk.walk->item()), walk.node);
+            EXPECT_EQ(reinterpret_cast<intptr_t>(walk.walk.item()), walk.node);
         }
     }
 
@@ -163,7 +166,7 @@ class Model {
     std::list<intptr_t> live_;
     std::map<intptr_t, intptr_t> behind_;
     std::map<intptr_t, list_handle *> handles_;
-    std::vector<Walk> walks_;
+    std::list<Walk> walks_;
     intptr_t last_node_ = 0;
 };
 
