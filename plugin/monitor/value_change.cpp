@@ -86,12 +86,6 @@ void mfli_update_saif_toggles_and_state(BitActivity *bit, int32_t value) {
     count(bit->switching->toggle, &bit->state, value);
 }
 
-// The counting step comes for these lines when all events of the step are in.
-static void fetch_records(const MonitorElement *element) {
-    __builtin_prefetch(element + 1, 1);
-    __builtin_prefetch(element + 2, 1);
-}
-
 void mfli_process_event(void *parameter) {
     if (!mfli_is_monitoring_window_active()) {
         return;
@@ -102,7 +96,6 @@ void mfli_process_event(void *parameter) {
     }
     if (element->dirty == 0) {
         element->dirty = 1;
-        fetch_records(element);
         add_to_changed_list(element);
     }
     mfli_do_counting_process = 1;
@@ -124,9 +117,28 @@ void update_saif_sa(MonitorElement *element, const mtiTime64T *now) {
     }
 }
 
+// A large step changes more elements than the processor's caches hold: all lines of one that comes
+// later in the list are asked for while earlier ones are counted.
+static list_handle *fetch_and_step(list_handle *ahead) {
+    if (ahead == nullptr) {
+        return nullptr;
+    }
+    auto *element = static_cast<MonitorElement *>(ahead->data);
+    __builtin_prefetch(element, 1);
+    __builtin_prefetch(element + 1, 1);
+    __builtin_prefetch(element + 2, 1);
+    return ahead->next;
+}
+
 static void update_changed_elements() {
+    constexpr int fetch_distance = 6;
     const mtiTime64T now = mfli_now();
+    list_handle *ahead = changed_list->head;
+    for (int i = 0; i < fetch_distance; ++i) {
+        ahead = fetch_and_step(ahead);
+    }
     for (list_walk walk(changed_list); walk; walk.step()) {
+        ahead = fetch_and_step(ahead);
         auto *element = static_cast<MonitorElement *>(walk.item());
         // Clear when a window was opened, closed or reset since the event.
         if (element->dirty == 0) {
