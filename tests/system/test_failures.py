@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""The program's command line: exit statuses, damaged input, and what is told when something fails."""
+"""What cannot go well: damaged waveforms, missing plug-ins, a full disk; nothing is lost silently."""
 
 import pathlib
 import tempfile
@@ -12,28 +12,15 @@ SMALL = HERE / "golden" / "small.vcd"
 RECORD = ["-saif", "out.saif", "-instance", "/top"]
 
 # name: (arguments after the waveform, exit status, a part of what is told, is there a report)
-COMMAND_LINES = {
-    "a report": (RECORD, 0, "Report done", True),
-    "a region and a policy": (RECORD + ["-region", "/top/u1", "-policy", "off /top/u1/slot"], 0,
-                              "Report done", True),
-    "a script's status": (["-do", "quit -code 7"], 7, "", False),
-    "a Tcl error": (["-do", "toggle_begin"], 1, 'invalid command name "toggle_begin"', False),
-    "no such script": (["-do", "nowhere.tcl"], 1, "nowhere.tcl", False),
+MISSING = {
     "no such plug-in": (["-do", "quit", "-foreign", "swfli_init ./nowhere.so"], 1, "nowhere.so",
                         False),
     "no such function": (["-do", "quit", "-foreign", "nowhere_init libm.so.6"], 1, "nowhere_init",
                          False),
-    "no such option": (["-wrong"], 2, "-wrong", False),
-    "no such instance": (["-saif", "out.saif", "-instance", "/nowhere"], 2, "/nowhere", False),
-    "a unit that SAIF does not have": (RECORD + ["-unit", "1.0e-16"], 2, "1.0e-16", False),
-    "a window that ends before it starts": (RECORD + ["-start", "3ns", "-stop", "2ns"], 2, "-stop",
-                                            False),
-    "a window after the end": (RECORD + ["-start", "3us"], 1, "before -start", False),
-    "a report in a folder that is not there": (["-saif", "no/out.saif", "-instance", "/top"], 1,
-                                               "no/out.saif", False),
-    "a full disk": (["-saif", "/dev/full", "-instance", "/top"], 1, "/dev/full", False),
-    "a window left open": (["-do", "set_toggle_region /top; toggle_start; run -all"], 0,
-                           "the counting window is still open at the end", False),
+    "a report in a folder that is not there": (["-saif", "no/out.saif"], 1, "no/out.saif", False),
+    "a full disk": (["-saif", "/dev/full"], 1, "Could not write file /dev/full", False),
+    "a script that fails has its own status": (["-do", "catch nonsense; quit -code 7"], 7, "",
+                                               False),
 }
 
 # name: (what is done to the waveform's text, exit status, a part of what is told, is there a report)
@@ -47,7 +34,7 @@ DAMAGED = {
 }
 
 
-class Program(unittest.TestCase):
+class Failures(unittest.TestCase):
     def check(self, waveform, arguments, status, told, reported, folder):
         done = run(WFSIM, waveform, *arguments, folder=folder)
         shown = done.stdout + done.stderr
@@ -56,8 +43,8 @@ class Program(unittest.TestCase):
         self.assertEqual(pathlib.Path(folder, "out.saif").exists(), reported, shown)
         return shown
 
-    def test_command_lines(self):
-        for name, row in COMMAND_LINES.items():
+    def test_missing_things(self):
+        for name, row in MISSING.items():
             with self.subTest(name), tempfile.TemporaryDirectory() as folder:
                 self.check(SMALL, *row, folder)
 
