@@ -16,7 +16,7 @@ import sys
 from dataclasses import dataclass, field
 
 UNITS = {"fs": -15, "ps": -12, "ns": -9, "us": -6, "ms": -3, "s": 0}
-NOT_BITS = {"real", "realtime", "string", "event"}
+NOT_BITS = {"real", "realtime", "string", "event", "parameter"}
 UNWATCHED_SCOPES = {"task", "function"}
 
 
@@ -98,6 +98,7 @@ class Waveform:
         self.width[code] = width
         if any(scope in UNWATCHED_SCOPES for scope, _ in scopes):
             return
+        name = name.removeprefix("\\")
         base = "".join(f"/{scope}" for _, scope in scopes) + "/" + name
         for place, index in enumerate(indices(width, "".join(select))):
             path = base if index is None else f"{base}({index})"
