@@ -130,12 +130,22 @@ class Kernel {
     }
     void enqueue(Slot slot, uint32_t head) {
         heads_[slot] = head | queued_mark;
+        prefetch_process(head);
         if (changed_count_ == changed_capacity_) [[unlikely]] {
             reserve_changed(changed_count_ + 1);
         }
         changed_[changed_count_++] = slot;
     }
     void touch_differences(Slot first, uint64_t difference);
+    // The processes of a changed bit, and what they work on, come into the cache while other bits
+    // are dealt with; otherwise a change waits for memory in a design of more than some 10,000
+    // bits.
+    void prefetch_process(uint32_t link) const {
+        if ((link & 1U) == 0) {
+            __builtin_prefetch(&process_at(link >> 1));
+        }
+    }
+    void prefetch_parameter(Slot slot) const;
 
     void run_step();
     template <bool traced>
@@ -153,11 +163,13 @@ class Kernel {
     void next_delta();
     void reserve_changed(uint32_t count);
 
-    void watch_slot(uint32_t process, Slot slot);
+    void watch_slot(uint32_t index, Slot slot);
     void watch_leaves(uint32_t process, const Type &type, Slot first);
     uint32_t intern_name(std::string_view name);
     uint32_t index_of(const void *process) const;
-    Process &process_at(uint32_t index) { return blocks_[index >> block_bits][index & block_mask]; }
+    Process &process_at(uint32_t index) const {
+        return blocks_[index >> block_bits][index & block_mask];
+    }
     uint32_t &next_link(uint32_t link) {
         return (link & 1U) != 0 ? nodes_[link >> 1].next : process_at(link >> 1).next;
     }

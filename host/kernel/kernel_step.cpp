@@ -6,6 +6,13 @@
 
 namespace wf {
 
+namespace {
+
+// How many slots ahead a process's parameter is fetched.
+constexpr uint32_t look_ahead = 4;
+
+}  // namespace
+
 void Kernel::run_step() {
     if (tracer_ == nullptr) [[likely]] {
         run_deltas<false>();
@@ -27,10 +34,24 @@ void Kernel::run_deltas() {
             run_immediate<traced>(from, end);
         }
         for (; from < end; ++from) {
+            if (from + look_ahead < end) {
+                prefetch_parameter(changed_[from + look_ahead]);
+            }
             wake_slot<traced>(changed_[from], is_first);
         }
     }
     changed_count_ = 0;
+}
+
+void Kernel::prefetch_parameter(Slot slot) const {
+    // The last watcher of a slot leads to the first, which is the one to run first.
+    const uint32_t last = heads_[slot] & ~queued_mark;
+    if ((last & 1U) == 0) {
+        const uint32_t first = process_at(last >> 1).next;
+        if ((first & 1U) == 0) {
+            __builtin_prefetch(process_at(first >> 1).parameter, 1);
+        }
+    }
 }
 
 template <bool traced>

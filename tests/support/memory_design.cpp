@@ -36,19 +36,11 @@ Region &MemorySimulator::region(std::string_view path, RegionKind kind) {
     if (!path.starts_with('/') || path.size() < 2) {
         fail("a region's path begins with '/'", path);
     }
-    Region *region = nullptr;
-    for (size_t start = 1; start <= path.size();) {
-        const size_t end = std::min(path.find('/', start), path.size());
-        const std::string_view name = path.substr(start, end - start);
-        Region *child = design_.find_child(region, name);
-        if (child == nullptr) {
-            const bool is_last = end == path.size();
-            child = design_.add_region(region, name, is_last ? kind : RegionKind::module);
-        }
-        region = child;
-        start = end + 1;
-    }
-    return *region;
+    const size_t cut = path.rfind('/');
+    Region *above = cut == 0 ? nullptr : &region(path.substr(0, cut));
+    const std::string_view name = path.substr(cut + 1);
+    Region *existing = design_.find_child(above, name);
+    return existing != nullptr ? *existing : *design_.add_region(above, name, kind);
 }
 
 Signal &MemorySimulator::signal(std::string_view path, const Type *type, Mode mode) {

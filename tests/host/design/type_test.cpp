@@ -15,6 +15,7 @@ namespace {
 
 std::vector<std::string> literals(int count) {
     std::vector<std::string> names;
+    names.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {
         names.push_back("s" + std::to_string(i));
     }
@@ -29,25 +30,25 @@ TEST(Types, HaveTheSizeAndTheLengthOfTheirObjects) {
     const struct {
         const Type *type;
         Slot slots;
-        int64_t length;
         int32_t left, right;
         Direction direction;
+        int64_t length;
     } rows[] = {
-        {types.std_logic(), 1, 9, 0, 8, Direction::to},
-        {types.enumeration("e256", literals(256)), 1, 256, 0, 255, Direction::to},
-        {types.enumeration("e257", literals(257)), 8, 257, 0, 256, Direction::to},
-        {types.integer("down", 15, 0, Direction::downto), 8, 16, 15, 0, Direction::downto},
-        {types.integer("all", INT32_MIN, INT32_MAX), 8, int64_t{1} << 32, INT32_MIN, INT32_MAX,
-         Direction::to},
-        {types.integer("null", 1, 0), 8, 0, 1, 0, Direction::to},
-        {types.physical("ohm", 0, 100), 8, 0, 0, 100, Direction::to},
-        {types.real(), 8, 0, 0, 0, Direction::none},
-        {types.time(), 8, 0, 0, 0, Direction::none},
-        {bits, 8, 8, 7, 0, Direction::downto},
-        {types.array(bits, -1, 2), 32, 4, -1, 2, Direction::to},
-        {types.array(types.bit(), 0, 1, Direction::downto), 0, 0, 0, 1, Direction::downto},
-        {mixed, 17, 3, 0, 0, Direction::none},
-        {types.array(mixed, 0, 1), 34, 2, 0, 1, Direction::to},
+        {types.std_logic(), 1, 0, 8, Direction::to, 9},
+        {types.enumeration("e256", literals(256)), 1, 0, 255, Direction::to, 256},
+        {types.enumeration("e257", literals(257)), 8, 0, 256, Direction::to, 257},
+        {types.integer("down", 15, 0, Direction::downto), 8, 15, 0, Direction::downto, 16},
+        {types.integer("all", INT32_MIN, INT32_MAX), 8, INT32_MIN, INT32_MAX, Direction::to,
+         int64_t{1} << 32},
+        {types.integer("null", 1, 0), 8, 1, 0, Direction::to, 0},
+        {types.physical("ohm", 0, 100), 8, 0, 100, Direction::to, 0},
+        {types.real(), 8, 0, 0, Direction::none, 0},
+        {types.time(), 8, 0, 0, Direction::none, 0},
+        {bits, 8, 7, 0, Direction::downto, 8},
+        {types.array(bits, -1, 2), 32, -1, 2, Direction::to, 4},
+        {types.array(types.bit(), 0, 1, Direction::downto), 0, 0, 1, Direction::downto, 0},
+        {mixed, 17, 0, 0, Direction::none, 3},
+        {types.array(mixed, 0, 1), 34, 0, 1, Direction::to, 2},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.type->name + " " + std::to_string(row.left));
