@@ -20,14 +20,14 @@ bool is_odd(std::string_view code) {
 
 // The number that index_of() takes: every character less 0x20, places without one at 0.
 uint64_t digits_of(uint64_t key) {
-    const auto spare = static_cast<uint32_t>(std::countl_zero(key)) & ~7U;
+    const auto spare = static_cast<uint32_t>(std::countl_zero(key)) & 56U;
     return key - ((ones * 0x20 << spare) >> spare);
 }
 
 }  // namespace
 
 uint64_t IdTable::swapped(uint64_t key) {
-    const auto spare = static_cast<uint32_t>(std::countl_zero(key)) & ~7U;
+    const auto spare = static_cast<uint32_t>(std::countl_zero(key)) & 56U;
     return __builtin_bswap64(key) >> spare;
 }
 

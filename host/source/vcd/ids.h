@@ -128,9 +128,12 @@ class IdTable {
 
 // Each character gives 1 to 94, a place without one 0; together a number to base 96.
 inline uint64_t IdTable::index_of(uint64_t key) {
-    key = (key & 0x00ff00ff00ff00ffU) + 96 * ((key >> 8) & 0x00ff00ff00ff00ffU);
-    key = (key & 0x0000ffff0000ffffU) + 96 * 96 * ((key >> 16) & 0x0000ffff0000ffffU);
-    return (key & 0xffffffffU) + uint64_t{96 * 96 * 96 * 96} * (key >> 32);
+    constexpr uint64_t base = 96;
+    constexpr uint64_t base2 = base * base;
+    constexpr uint64_t base4 = base2 * base2;
+    key = (key & 0x00ff00ff00ff00ffU) + base * ((key >> 8) & 0x00ff00ff00ff00ffU);
+    key = (key & 0x0000ffff0000ffffU) + base2 * ((key >> 16) & 0x0000ffff0000ffffU);
+    return (key & 0xffffffffU) + base4 * (key >> 32);
 }
 
 inline Target IdTable::find(Code code) const {

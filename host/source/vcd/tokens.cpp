@@ -16,7 +16,9 @@ uint64_t count_line_ends(const char *from, const char *to) {
     uint64_t total = 0;
     while (to - from >= 16) {
         Bytes16 counts = {};
-        const char *stop = from + std::min<std::ptrdiff_t>((to - from) & ~15, 16 * 255);
+        // No count of the sixteen overflows in so many bytes.
+        constexpr std::ptrdiff_t longest_run = std::ptrdiff_t{16} * 255;
+        const char *stop = from + std::min((to - from) & ~std::ptrdiff_t{15}, longest_run);
         for (; from < stop; from += 16) {
             Bytes16 bytes;
             std::memcpy(&bytes, from, sizeof bytes);
