@@ -216,12 +216,6 @@ void saif_forget_child_index(SaifTreeNode *node) {
     node->last_indexed = nullptr;
 }
 
-void saif_forget_path(SaifTree *tree) {
-    free(tree->path.text);
-    free(tree->path.levels);
-    tree->path = SaifPath{};
-}
-
 static size_t common_prefix(const SaifPath *path, const char *text) {
     if (path->length == 0 || strncmp(path->text, text, path->length) == 0) {
         return path->length;
@@ -423,6 +417,7 @@ void saifout_free_tree(SaifTree *tree) {
     }
     free_tree(tree->root);
     free(tree->root);
-    saif_forget_path(tree);
+    free(tree->path.text);
+    free(tree->path.levels);
     free(tree);
 }

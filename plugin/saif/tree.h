@@ -121,10 +121,8 @@ SaifTreeNode *tree_node_init();
 // Frees everything below a node and what hangs from it, not the node's own record.
 void free_tree(SaifTreeNode *node);
 
-// Forgets what speeds up the search for names: the indexes of a node's children and the path of the
-// last name point to names that are about to change.
+// Drops the index of a node's children, whose names are about to change.
 void saif_forget_child_index(SaifTreeNode *node);
-void saif_forget_path(SaifTree *tree);
 
 // List functions: a comparison that matches equal keys, a print function that does nothing, a
 // delete function that does nothing, one that frees a node's record. All but the first return 1.

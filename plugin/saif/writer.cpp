@@ -156,7 +156,6 @@ int saifout_generate_saif(const saif_header *header, SaifTree *tree, double scal
     generate_saif_for_port = tree->print_port;
     generate_saif_for_node = tree->print_node;
     generate_saif_for_leak = tree->print_leak;
-    saif_forget_path(tree);
     validate_tree(tree);
     ident_space = 0;
     generate_saif_header(header);

@@ -8,6 +8,7 @@
 #include "plugin/saif/legal_name.h"
 #include "plugin/saif/report_tree.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <random>
 #include <string>
@@ -211,6 +212,17 @@ TEST(Writer, WritesNothingWithoutAPrintFunction) {
     saif_free_header_struct(header);
 }
 
+TEST(Writer, SaysWhenTheStreamFailed) {
+    Tree tree;
+    tree.port("/top/a");
+    saif_header *header = saif_create_header_struct();
+    header->output = fopen("/dev/full", "w");
+    EXPECT_EQ(saifout_generate_saif(header, tree.tree, 1.0), 0);
+    EXPECT_EQ(errno, ENOSPC);
+    fclose(header->output);
+    saif_free_header_struct(header);
+}
+
 TEST(Tree, SplitsNamesAtTheDivider) {
     const char *const rows[][2] = {
         {"a/b/c", "a b c"}, {"/a/b", "a b"}, {"a//b", "a /b"}, {"a//b/c", "a /b c"},
@@ -244,6 +256,12 @@ TEST(Tree, FindsAndCreatesNodes) {
     EXPECT_EQ(tree.create("/top/u1", '/', two), node);
     EXPECT_EQ(node->node_info, one);  // an existing node keeps what it has
     EXPECT_EQ(tree.find("/top")->node_info, nullptr);
+    // The path of the last name does not mislead a name that ends on it, nor another divider.
+    tree.port("/top/u1/u2/p");
+    EXPECT_EQ(tree.find("/top/u1/"), node);
+    tree.create("x/y.z.p", '.');
+    EXPECT_EQ(tree.find("x/y.z.p"), nullptr);
+    EXPECT_EQ(tree.find("x/y.q", '.'), nullptr);
     dstring *name = string_alloc("p");
     EXPECT_EQ(saifout_insert_port_net_at_this_level(node, name, nullptr, 1), 1);
     EXPECT_EQ(saifout_insert_port_net_at_this_level(node, name, nullptr, 2), 0);
@@ -324,6 +342,9 @@ TEST(Tree, IsAsDeepAsTheDesign) {
     fclose(header->output);
     saif_free_header_struct(header);
     saifout_free_tree(tree);
+    Tree next;  // begins at the margin, wherever the one before ended
+    next.create("/a");
+    EXPECT_EQ(next.body(), "(INSTANCE a\n)\n");
 }
 
 }  // namespace
