@@ -24,7 +24,7 @@ constexpr const char *next_prompt = "> ";
 constexpr int history_lines = 1000;
 
 struct Completion {
-    Shell *shell = nullptr;
+    const Shell *shell = nullptr;
     std::vector<std::string> candidates;
     size_t next = 0;
 } completion;
@@ -43,19 +43,27 @@ char *next_candidate(const char *, int state) {
     return strdup(completion.candidates[completion.next++].c_str());
 }
 
-// A command's name stands first, or after the character that opens or separates commands.
+// A command's name stands first, or after a character that opens or separates commands.
 bool is_command_position(std::string_view line, size_t start) {
     const size_t before = line.substr(0, start).find_last_not_of(" \t");
-    return before == std::string_view::npos || std::strchr(";[{", line[before]) != nullptr;
+    return before == std::string_view::npos || line[before] == ';' || line[before] == '{';
+}
+
+// What `word`, which begins at `start`, can become. A bracket is no end of words, since paths hold
+// them ({/tb/slot[2]/full}), but it may begin a command.
+std::vector<std::string> candidates_for(const Shell &shell, std::string_view word, size_t start) {
+    std::vector<std::string> candidates;
+    const std::string_view bracket = word.starts_with('[') ? "[" : "";
+    if (!bracket.empty() || is_command_position(rl_line_buffer, start)) {
+        for (const std::string &name : shell.command_names(word.substr(bracket.size()))) {
+            candidates.push_back(std::string(bracket) + name);
+        }
+    }
+    return candidates.empty() ? complete_path(shell.simulation().session.design, word) : candidates;
 }
 
 char **complete_word(const char *word, int start, int) {
-    const std::string_view line(rl_line_buffer);
-    if (is_command_position(line, static_cast<size_t>(start))) {
-        completion.candidates = completion.shell->command_names(word);
-    } else {
-        completion.candidates = complete_path(completion.shell->simulation().session.design, word);
-    }
+    completion.candidates = candidates_for(*completion.shell, word, static_cast<size_t>(start));
     const bool is_region =
         completion.candidates.size() == 1 && completion.candidates[0].ends_with('/');
     rl_completion_append_character = is_region ? '\0' : ' ';
@@ -82,14 +90,13 @@ int read_key(std::FILE *) {
 
 class LineEditor {
   public:
-    explicit LineEditor(Shell &shell) {
-        static char word_breaks[] = " \t\n\";{}[";
+    explicit LineEditor(const Shell &shell) {
         completion.shell = &shell;
         rl_readline_name = "wfsim";
         rl_getc_function = read_key;
         rl_initialize();
         rl_catch_signals = 0;
-        rl_completer_word_break_characters = word_breaks;
+        rl_basic_word_break_characters = " \t\n\";{}";
         rl_attempted_completion_function = complete_word;
         using_history();
         stifle_history(history_lines);

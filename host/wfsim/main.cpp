@@ -66,9 +66,8 @@ ScriptEnd run_shell(Shell &shell, const Options &options) {
     return prompt ? run_prompt(shell) : run_stream(shell, stdin);
 }
 
-int script_status(const Simulation &simulation, const Options &options) {
-    Shell shell(simulation);
-    switch (run_shell(shell, options)) {
+int exit_status(ScriptEnd end, const Shell &shell) {
+    switch (end) {
         case ScriptEnd::failed:
             return exit_error;
         case ScriptEnd::interrupted:
@@ -79,6 +78,16 @@ int script_status(const Simulation &simulation, const Options &options) {
             break;
     }
     return exit_ok;
+}
+
+int run_commands(const Simulation &simulation, const Options &options) {
+    int status = exit_ok;
+    {
+        Shell shell(simulation);
+        status = exit_status(run_shell(shell, options), shell);
+    }
+    Tcl_Finalize();
+    return status;
 }
 
 // --- the program's parts ---
@@ -120,7 +129,7 @@ std::string finish_trace(Session &session, const std::string &path, File &file) 
 int simulate(const Simulation &simulation, const Options &options, const MessageWatch &watch) {
     const bool one_command = !options.report.saif.empty();
     int status = one_command ? ReportRun(simulation, options.report, watch).execute()
-                             : script_status(simulation, options);
+                             : run_commands(simulation, options);
     if (watch.window_open) {
         simulation.transcript.print(
             "Warning: the counting window is still open at the end; it is in no report");
@@ -225,9 +234,7 @@ int run_program(int count, char **words) {
         std::puts("wfsim (Wattforge FLI) " WATTFORGE_VERSION);
         return exit_ok;
     }
-    const int status = run(options);
-    Tcl_Finalize();
-    return status;
+    return run(options);
 }
 
 }  // namespace

@@ -22,6 +22,9 @@ $var wire 1 ! clk $end
 $scope module dut $end
 $var wire 4 " data [3:0] $end
 $var wire 1 # done $end
+$scope begin lane[1] $end
+$var wire 1 # busy $end
+$upscope $end
 $upscope $end
 $upscope $end
 $enddefinitions $end
@@ -139,7 +142,10 @@ class Prompt(OnTerminal):
         self.terminal.type("dut/do\t")
         self.terminal.until("dut/done ")
         self.assertEqual(self.answer(""), ["Information (KLVA-PWR): Completed set_toggle_region"])
-        self.terminal.type("run 1; examine /tb/dut/\t\t")
+        self.terminal.type("puts [exa\t{dut/la\tbu\t")
+        self.terminal.until("puts [examine {dut/lane[1]/busy ")
+        self.assertEqual(self.answer("}]"), ["U"])
+        self.terminal.type("run 1; examine /tb/dut/d\t\t")
         self.assertIn("\n/tb/dut/data  /tb/dut/done", self.terminal.until("/tb/dut/done"))
 
     def test_the_interrupt_key_clears_the_line(self):
