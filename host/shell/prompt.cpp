@@ -64,9 +64,11 @@ std::vector<std::string> candidates_for(const Shell &shell, std::string_view wor
 
 char **complete_word(const char *word, int start, int) {
     completion.candidates = candidates_for(*completion.shell, word, static_cast<size_t>(start));
+    // Behind a region its contents come next, and inside braces a blank would be part of the path.
     const bool is_region =
         completion.candidates.size() == 1 && completion.candidates[0].ends_with('/');
-    rl_completion_append_character = is_region ? '\0' : ' ';
+    const bool in_braces = start > 0 && rl_line_buffer[start - 1] == '{';
+    rl_completion_append_character = is_region || in_braces ? '\0' : ' ';
     return rl_completion_matches(word, next_candidate);
 }
 

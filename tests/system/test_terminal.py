@@ -143,7 +143,7 @@ class Prompt(OnTerminal):
         self.terminal.until("dut/done ")
         self.assertEqual(self.answer(""), ["Information (KLVA-PWR): Completed set_toggle_region"])
         self.terminal.type("puts [exa\t{dut/la\tbu\t")
-        self.terminal.until("puts [examine {dut/lane[1]/busy ")
+        self.terminal.until("puts [examine {dut/lane[1]/busy")
         self.assertEqual(self.answer("}]"), ["U"])
         self.terminal.type("run 1; examine /tb/dut/d\t\t")
         self.assertIn("\n/tb/dut/data  /tb/dut/done", self.terminal.until("/tb/dut/done"))
