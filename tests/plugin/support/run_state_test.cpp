@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// The word of what has been done over a typical run, and the message buffer.
+// The word of what has been done over a typical run.
 #include "plugin/support/run_state.h"
 
 #include <gtest/gtest.h>
-
-#include <cstring>
-#include <string>
-
-#include "plugin/support/messages.h"
 
 namespace {
 
@@ -31,17 +26,6 @@ TEST(RunState, FollowsARun) {
         EXPECT_EQ(mfli_is_rtl_read(), 128U);
     }
     mfli_window_active = before;
-}
-
-TEST(Messages, FitTheBuffer) {
-    mfli_print("level %d", -3);
-    EXPECT_STREQ(mfli_msg_buf, "level -3");
-    mfli_print("100%% done", 0);
-    EXPECT_STREQ(mfli_msg_buf, "100% done");
-    mfli_message("%s|%d", std::string(2000, 'n').c_str(), 1);
-    EXPECT_EQ(std::string(mfli_msg_buf), std::string(1023, 'n'));
-    mfli_print_text("a text leaves the buffer alone: %d");
-    EXPECT_EQ(strlen(mfli_msg_buf), 1023U);
 }
 
 }  // namespace
