@@ -132,6 +132,9 @@ TEST_F(Report, RefusesBadArgumentsOneByOne) {
         EXPECT_FALSE(std::filesystem::exists(file)) << row.arguments;
         EXPECT_FALSE(reported()) << row.arguments;
     }
+    std::ofstream(file) << "an earlier report";
+    sim.command("toggle_report " + file + " 1.0e-16 /top");
+    EXPECT_EQ(text_of(file), "an earlier report");
 }
 
 TEST_F(Report, IgnoresAFourthArgumentAndWarnsOfAFifth) {
@@ -357,31 +360,37 @@ TEST_F(Report, SaysWhenTheFileCouldNotBeWritten) {
     EXPECT_THAT(sim.output_of("toggle_reset"), Not(IsEmpty()));  // refused: nothing was reported
 }
 
+std::string printed(const std::string &name, saif_switching_attribute record, int indentation) {
+    char *text = nullptr;
+    size_t length = 0;
+    FILE *stream = open_memstream(&text, &length);
+    dstring *key = string_alloc(name.c_str());
+    net_print(stream, key, &record, 0.1, indentation);
+    fclose(stream);
+    string_free(key);
+    std::string result(text, length);
+    free(text);
+    return result;
+}
+
 TEST(NetPrint, WritesBlanksEvenForMissingRecords) {
     saif_timing_attribute timing = {2.0, 1.5, 3.0, {0.0, 0.0}};
     saif_toggle_attribute toggle = {4.0, 1.0, 0.0, -1.0};
-    const struct {
-        saif_switching_attribute record;
-        int indentation;
-        const char *expected;
-    } rows[] = {
-        {{&timing, &toggle, {0, 0}},
-         0,
-         "(n\n   (T0 0.150000) (T1 0.200000) (TX 0.300000)\n   (TC 4.000000) (IG 1.000000)\n)\n"},
-        {{nullptr, &toggle, {0, 0}}, 2, "  (n\n          (TC 4.000000) (IG 1.000000)\n  )\n"},
-        {{nullptr, nullptr, {0, 0}}, -1, "(n\n    )\n"},
-    };
-    for (const auto &row : rows) {
-        char *text = nullptr;
-        size_t length = 0;
-        FILE *stream = open_memstream(&text, &length);
-        dstring *name = string_alloc("n");
-        saif_switching_attribute record = row.record;
-        net_print(stream, name, &record, 0.1, row.indentation);
-        fclose(stream);
-        EXPECT_STREQ(text, row.expected);
-        string_free(name);
-        free(text);
+    const std::string times = "(T0 0.150000) (T1 0.200000) (TX 0.300000)\n";
+    const std::string counts = "(TC 4.000000) (IG 1.000000)\n";
+    EXPECT_EQ(printed("n", {&timing, &toggle, {0, 0}}, 0),
+              "(n\n   " + times + "   " + counts + ")\n");
+    EXPECT_EQ(printed("n", {nullptr, &toggle, {0, 0}}, 2), "  (n\n          " + counts + "  )\n");
+    EXPECT_EQ(printed("n", {nullptr, nullptr, {0, 0}}, -1), "(n\n    )\n");
+    // Deeper than any buffer, longer than any buffer, and about as long as one.
+    for (const size_t length : {5, 990, 1023, 1024, 1025, 5000}) {
+        const std::string name(length, 'n');
+        for (const int depth : {30, 1024, 3000}) {
+            const std::string blanks(static_cast<size_t>(depth), ' ');
+            EXPECT_EQ(printed(name, {&timing, &toggle, {0, 0}}, depth),
+                      blanks + "(" + name + "\n" + blanks + "   " + times + blanks + "   " +
+                          counts + blanks + ")\n");
+        }
     }
 }
 

@@ -212,6 +212,18 @@ TEST(Writer, WritesNothingWithoutAPrintFunction) {
     saif_free_header_struct(header);
 }
 
+TEST(Writer, BeginsEachFileAtTheMargin) {
+    Tree careless;
+    saifout_register_node_print_function(
+        careless.tree,
+        [](FILE *, const dstring *, void *, int *indentation) { *indentation += 5; });
+    careless.create("/a");
+    careless.body();  // ends two blanks too deep
+    Tree next;
+    next.create("/a");
+    EXPECT_EQ(next.body(), "(INSTANCE a\n)\n");
+}
+
 TEST(Writer, SaysWhenTheStreamFailed) {
     Tree tree;
     tree.port("/top/a");
@@ -342,9 +354,6 @@ TEST(Tree, IsAsDeepAsTheDesign) {
     fclose(header->output);
     saif_free_header_struct(header);
     saifout_free_tree(tree);
-    Tree next;  // begins at the margin, wherever the one before ended
-    next.create("/a");
-    EXPECT_EQ(next.body(), "(INSTANCE a\n)\n");
 }
 
 }  // namespace
