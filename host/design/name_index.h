@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A hash table from names to positions in somebody else's list. It keeps four to eleven bytes for a
+// A hash table from names to positions in somebody else's list. It keeps 11 to 21 bytes for a
 // position and no names: the owner of the list says what a position is called.
 #pragma once
 
@@ -24,40 +24,49 @@ class NameIndex {
     // The first position of that name, or none.
     template <typename NameOf>
     uint32_t find(std::string_view name, NameOf name_of) const {
-        return places_.empty() ? none : places_[place_of(name, name_of)];
+        return places_.empty() ? none : places_[place_of(name, hash_name(name), name_of)].position;
     }
 
     // Takes in the list's next position. Of two with one name the first stays the one to be found.
     template <typename NameOf>
     void add_next(NameOf name_of) {
-        if ((size_ + uint64_t{1}) * 4 > uint64_t{places_.size()} * 3) {
-            places_.assign(places_.empty() ? 16 : places_.size() * 2, none);
-            for (uint32_t position = 0; position < size_; ++position) {
-                put(position, name_of);
-            }
+        if ((taken_ + uint64_t{1}) * 4 > uint64_t{places_.size()} * 3) {
+            grow();
         }
-        put(size_++, name_of);
+        const std::string_view name = name_of(size_);
+        const uint32_t hash = hash_name(name);
+        Place &place = places_[place_of(name, hash, name_of)];
+        if (place.position == none) {
+            place = {hash, size_};
+            ++taken_;
+        }
+        ++size_;
     }
 
   private:
+    // The hash stands beside the position, so that a name is looked at only when it is likely the
+    // one: names lie far apart in memory.
+    struct Place {
+        uint32_t hash;
+        uint32_t position;
+    };
+
     // Where a name stands, or the free place that it would take.
     template <typename NameOf>
-    size_t place_of(std::string_view name, NameOf name_of) const {
+    size_t place_of(std::string_view name, uint32_t hash, NameOf name_of) const {
         const size_t mask = places_.size() - 1;
-        size_t place = hash_name(name) & mask;
-        while (places_[place] != none && name_of(places_[place]) != name) {
+        size_t place = hash & mask;
+        while (places_[place].position != none &&
+               (places_[place].hash != hash || name_of(places_[place].position) != name)) {
             place = (place + 1) & mask;
         }
         return place;
     }
 
-    template <typename NameOf>
-    void put(uint32_t position, NameOf name_of) {
-        uint32_t &place = places_[place_of(name_of(position), name_of)];
-        place = place == none ? position : place;
-    }
+    void grow();
 
-    std::vector<uint32_t> places_;  // a power of two of them, at most three quarters taken
+    std::vector<Place> places_;  // a power of two of them, at most three quarters taken
+    uint32_t taken_ = 0;
     uint32_t size_ = 0;
 };
 

@@ -313,6 +313,11 @@ TEST_F(InterfaceTest, RefusesOtherWrongArgumentsLoudly) {
                                  ".. Error: mti_VsimFree: 0x[0-9a-f]+ is not memory that the "
                                  "simulator gave")));
     mti_VsimFree(nullptr);
+    char *first = mti_GetRegionFullName(mti_GetTopRegion());
+    mtiTime64T *second = mti_NowIndirect(nullptr);
+    mti_VsimFree(first);
+    mti_VsimFree(second);
+    EXPECT_THAT(sim.lines(), IsEmpty()) << "released in any order";
     char *twice = mti_GetRegionFullName(mti_GetTopRegion());
     mti_VsimFree(twice);
     mti_VsimFree(twice);
