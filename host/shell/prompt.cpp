@@ -68,7 +68,7 @@ char **complete_word(const char *word, int start, int) {
     const bool is_region =
         completion.candidates.size() == 1 && completion.candidates[0].ends_with('/');
     const bool in_braces = start > 0 && rl_line_buffer[start - 1] == '{';
-    rl_completion_append_character = is_region || in_braces ? '\0' : ' ';
+    rl_completion_append_character = is_region || in_braces ? 0 : ' ';
     return rl_completion_matches(word, next_candidate);
 }
 

@@ -94,7 +94,7 @@ int run_commands(const Simulation &simulation, const Options &options) {
 
 std::string load_plugins(Session &session, const std::vector<Plugin> &plugins) {
     for (const Plugin &plugin : plugins) {
-        const std::string error = session.load_plugin(plugin.function, plugin.library);
+        std::string error = session.load_plugin(plugin.function, plugin.library);
         if (!error.empty()) {
             return error;
         }

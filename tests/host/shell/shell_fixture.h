@@ -83,7 +83,7 @@ class ShellTest : public testing::Test {
     // What has been shown since the last call.
     std::string shown() {
         std::fflush(screen_);
-        const std::string text(screen_text_ + read_, screen_size_ - read_);
+        std::string text(screen_text_ + read_, screen_size_ - read_);
         read_ = screen_size_;
         return text;
     }
