@@ -20,7 +20,9 @@ namespace wf {
 // region first and then as one that lacks its leading '/'. A name may itself hold any character (an
 // escaped identifier does): at every level the text up to the next '/' is tried as a child's exact
 // name, and, only where a region has such names, the text up to each later '/' too. A signal's
-// exact name comes before its reading as a name with an element.
+// exact name comes before its reading as a name with an element. A region whose name has square
+// brackets (a generate block's "slot[0]") is found by its name with parentheses too, since the
+// interface writes indices so.
 //
 // Memory, of a one-bit signal: 32 bytes for its handle, 24 for its declaration, 8 in its region's
 // list, its name, and one slot. An element costs 32 bytes once it has been asked for, and its slot.
@@ -61,7 +63,7 @@ class Design {
     Region *next(const Region *region) const;
     // The region of that path ("/" is the top region), or null.
     Region *find_region(std::string_view path);
-    // The child (or, for a null region, the root) of exactly that name, or null.
+    // The child (or, for a null region, the root) of that name, or null.
     Region *find_child(Region *region, std::string_view name);
     // "/top/u1"; the text stays as it is until the next call.
     const std::string &full_name(const Region *region);
@@ -115,6 +117,7 @@ class Design {
     static void fill_defaults(const Type *type, uint8_t *bytes);
     static void list_signal(Region *region, Signal *signal, std::string_view name);
     std::string_view listed_name(const Region *region, uint32_t position) const;
+    Region *find_exact_child(Region *region, std::string_view name);
     Region *walk_regions(Region *from, std::string_view path);
     Signal *walk_signal(Region *from, std::string_view path, bool exact);
     Signal *find_path(std::string_view path, bool exact);

@@ -109,6 +109,17 @@ void Design::append_indirect_name(const Signal *signal, std::string &text) const
 }
 
 Region *Design::find_child(Region *region, std::string_view name) {
+    Region *child = find_exact_child(region, name);
+    if (child != nullptr || name.find('(') == std::string_view::npos) {
+        return child;
+    }
+    std::string bracketed(name);
+    std::replace(bracketed.begin(), bracketed.end(), '(', '[');
+    std::replace(bracketed.begin(), bracketed.end(), ')', ']');
+    return find_exact_child(region, bracketed);
+}
+
+Region *Design::find_exact_child(Region *region, std::string_view name) {
     const auto &list = region == nullptr ? roots_ : region->children;
     const uint32_t position = find_in_list(
         list,
