@@ -90,7 +90,7 @@ struct CountingSink {
 
 void parse_vcd(benchmark::State &state) {
     const std::string &text = waveform(static_cast<Kind>(state.range(0)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         state.PauseTiming();
         Design design;
         vcd::IdTable ids;
@@ -113,7 +113,7 @@ void parse_vcd(benchmark::State &state) {
 
 void replay_vcd(benchmark::State &state) {
     const std::string &text = waveform(static_cast<Kind>(state.range(0)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         state.PauseTiming();
         Design design;
         const std::unique_ptr<Source> source =
@@ -138,7 +138,7 @@ void load_vcd(benchmark::State &state) {
         text += "$var wire 1 " + code_of(i) + " s" + std::to_string(i) + " $end\n";
     }
     text += "$upscope $end\n$enddefinitions $end\n";
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         Design design;
         if (!vcd::make_source(make_memory_input("bench.vcd", text))->load(design)) {
             state.SkipWithError("not loaded");

@@ -124,10 +124,7 @@ TEST(VcdEvents, DamageIsOneMessageAndWhatCameBeforeStays) {
               "t.vcd:9: expected $end of $dumpvars, got end of file");
     EXPECT_EQ(read_vcd(header + "$comment\n0!\n").error,
               "t.vcd:9: expected $end of $comment, got end of file");
-    std::string many_lines = header;
-    for (int line = first_line; line < 123456; ++line) {
-        many_lines += "0!\n";
-    }
+    const std::string many_lines = header + std::string(123456 - first_line, '\n');
     EXPECT_EQ(read_vcd(many_lines + "?\n").error,
               "t.vcd:123456: expected a value change or a time, got '?'");
 }

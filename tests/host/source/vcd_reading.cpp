@@ -131,7 +131,7 @@ std::string gzipped(const std::string &text) {
 }
 
 std::string temporary_file(const std::string &name, const std::string &content) {
-    const std::string path = testing::TempDir() + name;
+    std::string path = testing::TempDir() + name;
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file << content;
     if (!file.flush()) {
