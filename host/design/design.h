@@ -63,7 +63,7 @@ class Design {
     Region *next(const Region *region) const;
     // The region of that path ("/" is the top region), or null.
     Region *find_region(std::string_view path);
-    // The child (or, for a null region, the root) of that name, or null.
+    // The child (or, for a null region, the root) of exactly that name, or null.
     Region *find_child(Region *region, std::string_view name);
     // "/top/u1"; the text stays as it is until the next call.
     const std::string &full_name(const Region *region);
@@ -117,7 +117,7 @@ class Design {
     static void fill_defaults(const Type *type, uint8_t *bytes);
     static void list_signal(Region *region, Signal *signal, std::string_view name);
     std::string_view listed_name(const Region *region, uint32_t position) const;
-    Region *find_exact_child(Region *region, std::string_view name);
+    Region *find_child_by_path(Region *region, std::string_view name);
     Region *walk_regions(Region *from, std::string_view path);
     Signal *walk_signal(Region *from, std::string_view path, bool exact);
     Signal *find_path(std::string_view path, bool exact);

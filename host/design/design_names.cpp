@@ -108,18 +108,18 @@ void Design::append_indirect_name(const Signal *signal, std::string &text) const
     text += ')';
 }
 
-Region *Design::find_child(Region *region, std::string_view name) {
-    Region *child = find_exact_child(region, name);
+Region *Design::find_child_by_path(Region *region, std::string_view name) {
+    Region *child = find_child(region, name);
     if (child != nullptr || name.find('(') == std::string_view::npos) {
         return child;
     }
     std::string bracketed(name);
     std::replace(bracketed.begin(), bracketed.end(), '(', '[');
     std::replace(bracketed.begin(), bracketed.end(), ')', ']');
-    return find_exact_child(region, bracketed);
+    return find_child(region, bracketed);
 }
 
-Region *Design::find_exact_child(Region *region, std::string_view name) {
+Region *Design::find_child(Region *region, std::string_view name) {
     const auto &list = region == nullptr ? roots_ : region->children;
     const uint32_t position = find_in_list(
         list,
@@ -161,13 +161,13 @@ Region *Design::walk_regions(Region *from, std::string_view path) {
     const bool odd = from == nullptr ? roots_have_odd_names_ : from->has_odd_names;
     for (size_t split = next_split(path, 0, odd); split != std::string_view::npos;
          split = next_split(path, split + 1, odd)) {
-        Region *child = find_child(from, path.substr(0, split));
+        Region *child = find_child_by_path(from, path.substr(0, split));
         Region *found = child == nullptr ? nullptr : walk_regions(child, path.substr(split + 1));
         if (found != nullptr) {
             return found;
         }
     }
-    return find_child(from, path);
+    return find_child_by_path(from, path);
 }
 
 Signal *Design::find_signal(std::string_view path) {
@@ -190,7 +190,7 @@ Signal *Design::walk_signal(Region *from, std::string_view path, bool exact) {
     const bool odd = from == nullptr ? roots_have_odd_names_ : from->has_odd_names;
     for (size_t split = next_split(path, 0, odd); split != std::string_view::npos;
          split = next_split(path, split + 1, odd)) {
-        Region *child = find_child(from, path.substr(0, split));
+        Region *child = find_child_by_path(from, path.substr(0, split));
         Signal *found =
             child == nullptr ? nullptr : walk_signal(child, path.substr(split + 1), exact);
         if (found != nullptr) {
