@@ -72,7 +72,7 @@ void per_bit(benchmark::State &state, int64_t bits) {
 
 void report_to_null_device(benchmark::State &state) {
     static char buffer[256 * 1024];
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         FILE *stream = fopen("/dev/null", "w");
         setvbuf(stream, buffer, _IOFBF, sizeof buffer);
         if (!saif_process(stream, -9.0, "/top")) {
@@ -86,7 +86,7 @@ template <Shape shape>
 void BM_ReportTree(benchmark::State &state) {
     const Monitored monitored(shape, state.range(0));
     size_t heap = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
         SaifTree *tree = saifout_create_tree(nullptr, nullptr, nullptr, nullptr);
         build_saif_tree("/top", tree);

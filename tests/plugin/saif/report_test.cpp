@@ -383,13 +383,14 @@ TEST(NetPrint, WritesBlanksEvenForMissingRecords) {
     EXPECT_EQ(printed("n", {nullptr, &toggle, {0, 0}}, 2), "  (n\n          " + counts + "  )\n");
     EXPECT_EQ(printed("n", {nullptr, nullptr, {0, 0}}, -1), "(n\n    )\n");
     // Deeper than any buffer, longer than any buffer, and about as long as one.
-    for (const size_t length : {5, 990, 1023, 1024, 1025, 5000}) {
-        const std::string name(length, 'n');
+    for (const int length : {5, 990, 1023, 1024, 1025, 5000}) {
+        const std::string name(static_cast<size_t>(length), 'n');
         for (const int depth : {30, 1024, 3000}) {
             const std::string blanks(static_cast<size_t>(depth), ' ');
-            EXPECT_EQ(printed(name, {&timing, &toggle, {0, 0}}, depth),
-                      blanks + "(" + name + "\n" + blanks + "   " + times + blanks + "   " +
-                          counts + blanks + ")\n");
+            std::ostringstream expected;
+            expected << blanks << '(' << name << '\n'
+                     << blanks << "   " << times << blanks << "   " << counts << blanks << ")\n";
+            EXPECT_EQ(printed(name, {&timing, &toggle, {0, 0}}, depth), expected.str());
         }
     }
 }
