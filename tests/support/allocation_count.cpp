@@ -24,6 +24,12 @@ void *operator new(size_t bytes) {
     throw std::bad_alloc();
 }
 
+// The sanitizer has one of its own, which does not go with the operator delete below.
+void *operator new(size_t bytes, const std::nothrow_t &) noexcept {
+    ++count;
+    return std::malloc(bytes == 0 ? 1 : bytes);
+}
+
 void operator delete(void *block) noexcept {
     std::free(block);
 }
