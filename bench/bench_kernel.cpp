@@ -72,7 +72,7 @@ void changed_watched_bit(benchmark::State &state) {
     bits.watch(count);
     const std::vector<Slot> order = shuffled(bits, count);
     size_t next = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         for (int i = 0; i < 10; ++i) {
             const Slot slot = order[next];
             next = next + 1 < order.size() ? next + 1 : 0;
@@ -90,7 +90,7 @@ void changed_unwatched_bit(benchmark::State &state) {
     Bits bits(count);
     const std::vector<Slot> order = shuffled(bits, count);
     size_t next = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const Slot slot = order[next];
         next = next + 1 < order.size() ? next + 1 : 0;
         bits.kernel->set_byte(slot, bits.kernel->byte(slot) ^ 1);
@@ -113,7 +113,7 @@ void set_bytes(benchmark::State &state) {
         values[1][bit] = flips && state.range(1) != nothing ? 3 : 2;
     }
     unsigned turn = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         bits.kernel->set_bytes(bits.first, values[turn ^= 1U].data(), width);
         bits.kernel->finish_step();
     }
@@ -125,7 +125,7 @@ BENCHMARK(set_bytes)->ArgsProduct({{32, 64}, {nothing, one_bit, half_the_bits}})
 // Making and sensitising the two processes of a bit.
 void watch_bits(benchmark::State &state) {
     const auto count = static_cast<uint32_t>(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         state.PauseTiming();
         auto bits = std::make_unique<Bits>(count);
         state.ResumeTiming();

@@ -13,6 +13,8 @@ int32_t mfli_debug_level = 0;
 void mfli_message(const char *format, ...) {
     va_list arguments;
     va_start(arguments, format);
+    // The analyser loses sight of a list that has been started, when it reads several files.
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     vsnprintf(mfli_msg_buf, sizeof(mfli_msg_buf), format, arguments);
     va_end(arguments);
     mti_PrintMessage(mfli_msg_buf);

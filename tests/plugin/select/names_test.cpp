@@ -13,7 +13,7 @@ using wf::Type;
 namespace {
 
 std::string taken(char *text) {
-    const std::string copy = text;
+    std::string copy = text;
     free(text);
     return copy;
 }
