@@ -69,7 +69,7 @@ def rows_for(build, waveform, rounds):
 
 
 def print_table(rows):
-    widths = [max(len(str(row[i])) for row in rows) for i in range(len(COLUMNS))]
+    widths = [max(len(str(cell)) for cell in column) for column in zip(*rows)]
     for row in rows:
         print("  ".join(str(cell).rjust(width) for cell, width in zip(row, widths)))
 

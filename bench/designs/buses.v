@@ -27,8 +27,10 @@ module tb;
     always @(posedge clk) noise <= {noise[991:0], noise[1023:992]} ^ (noise << 13) ^ (noise >> 7);
     initial begin
         for (k = 0; k < 32; k = k + 1) noise[32*k+:32] = 32'h9e3779b9 * (k + 1);
-        $dumpfile("bench.vcd");
-        $dumpvars(0, tb);
+        if (!$test$plusargs("nodump")) begin
+            $dumpfile("bench.vcd");
+            $dumpvars(0, tb);
+        end
         if (!$value$plusargs("cycles=%d", cycles)) cycles = 20;
         repeat (cycles) @(posedge clk);
         $finish;

@@ -117,8 +117,10 @@ module tb;
 
     always #5 clk = !clk;
     initial begin
-        $dumpfile("bench.vcd");
-        $dumpvars(0, tb);
+        if (!$test$plusargs("nodump")) begin
+            $dumpfile("bench.vcd");
+            $dumpvars(0, tb);
+        end
         if (!$value$plusargs("cycles=%d", cycles)) cycles = 100;
         repeat (20) @(posedge clk);
         #1 reset = 1'b0;

@@ -69,8 +69,10 @@ module tb;
             noise[k] <= #0.05 {noise[k][14:0], noise[k][15] ^ noise[k][13] ^ noise[k][12] ^ noise[k][10]};
     initial begin
         for (k = 0; k < 2 * COUNT; k = k + 1) noise[k] = 16'd4097 * (k + 1);
-        $dumpfile("bench.vcd");
-        $dumpvars(0, tb);
+        if (!$test$plusargs("nodump")) begin
+            $dumpfile("bench.vcd");
+            $dumpvars(0, tb);
+        end
         if (!$value$plusargs("cycles=%d", cycles)) cycles = 100;
         repeat (cycles) @(posedge clk);
         $finish;
