@@ -7,10 +7,6 @@
 // With its head, a chunk of each is just below a power of two in bytes. Small tables stay small.
 enum : uint32_t { SMALLEST_CHUNK = 7, LARGEST_CHUNK = 2047 };
 
-static st_entry *first_entry(st_chunk *chunk) {
-    return reinterpret_cast<st_entry *>(chunk + 1);
-}
-
 static size_t chunk_bytes(uint32_t capacity) {
     return sizeof(st_chunk) + capacity * sizeof(st_entry);
 }
@@ -57,7 +53,7 @@ st_entry *st_entries_take(st_entries *entries) {
     if (entries->newest == nullptr || entries->newest->used == entries->newest->capacity) {
         add_chunk(entries);
     }
-    return first_entry(entries->newest) + entries->newest->used++;
+    return st_chunk_entries(entries->newest) + entries->newest->used++;
 }
 
 void st_entries_give_back(st_entries *entries, st_entry *entry) {

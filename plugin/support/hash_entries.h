@@ -33,6 +33,17 @@ struct st_entries {
     st_entry *released;  // chained through next, handed out again first
 };
 
+// The entries of a chunk, in the order in which they were handed out first.
+inline st_entry *st_chunk_entries(st_chunk *chunk) {
+    return reinterpret_cast<st_entry *>(chunk + 1);
+}
+
+// Whether every entry in the chunks is in use: then the chunks, from the newest on, are all there
+// is to walk, in the order of memory.
+inline bool st_entries_have_no_holes(const st_entries *entries) {
+    return entries->released == nullptr;
+}
+
 // An empty store; st_entries_free releases it with every entry that it ever handed out.
 st_entries *st_entries_alloc();
 void st_entries_free(st_entries *entries);

@@ -6,9 +6,18 @@
 
 #include "plugin/support/hash_table_forms.h"
 
-// Calls `visit` for each entry of a keyed table, by bins.
+// Calls `visit` for each entry of a keyed table: in the order of memory where that is possible,
+// which is several times faster in a large table; else by bins.
 template <class Visit>
 static void for_each_entry(const st_table *table, Visit visit) {
+    if (st_entries_have_no_holes(table->entries)) {
+        for (st_chunk *chunk = table->entries->newest; chunk != nullptr; chunk = chunk->older) {
+            for (uint32_t i = 0; i < chunk->used; ++i) {
+                visit(st_chunk_entries(chunk) + i);
+            }
+        }
+        return;
+    }
     for (uint32_t index = 0; index < table->bins.length; ++index) {
         auto *entry = static_cast<st_entry *>(*st_bin(&table->bins, index));
         for (; entry != nullptr; entry = static_cast<st_entry *>(entry->next)) {

@@ -45,12 +45,11 @@ static void push(const st_table *table, void *entry, uint32_t hash) {
     *bin = entry;
 }
 
-// Counts a new entry, makes room for it and pushes it.
-static void enter(st_table *table, void *entry, uint32_t hash) {
+// Counts a new entry, which is not made or not linked yet, and grows the table for it.
+static void make_room(st_table *table) {
     if (++table->count > table->max_count) {
         st_resize(table, table->bins.length * 2);
     }
-    push(table, entry, hash);
 }
 
 static uint32_t power_of_two(uint32_t at_least) {
@@ -126,7 +125,7 @@ int32_t st_count(const st_table *table) {
 }
 
 // Moves the entries of the first `old_length` bins to the bins where they belong now.
-static void rehash(const st_table *table, uint32_t old_length) {
+static void rehash_by_bins(const st_table *table, uint32_t old_length) {
     for (uint32_t index = 0; index < old_length; ++index) {
         void **bin = st_bin(&table->bins, index);
         void *entry = *bin;
@@ -136,6 +135,42 @@ static void rehash(const st_table *table, uint32_t old_length) {
             push(table, entry, table->hash(st_key_of(table, entry)));
             entry = next;
         }
+    }
+}
+
+// Pushes a run of neighbouring entries. The bins that they go to lie anywhere, so a group of them
+// is asked for before the first is needed.
+static void push_run(const st_table *table, st_entry *entries, uint32_t count) {
+    enum : uint32_t { GROUP = 16 };
+    uint32_t hashes[GROUP];
+    for (uint32_t first = 0; first < count; first += GROUP) {
+        const uint32_t size = count - first < GROUP ? count - first : uint32_t{GROUP};
+        for (uint32_t i = 0; i < size; ++i) {
+            hashes[i] = table->hash(st_key_of(table, &entries[first + i]));
+            __builtin_prefetch(bin_of(table, hashes[i]), 1);
+        }
+        for (uint32_t i = 0; i < size; ++i) {
+            push(table, &entries[first + i], hashes[i]);
+        }
+    }
+}
+
+// The same by memory instead of by bins: along its chains a table of millions of entries waits for
+// memory at every one.
+static void rehash_by_chunks(const st_table *table, uint32_t old_length) {
+    for (uint32_t index = 0; index < old_length; ++index) {
+        *st_bin(&table->bins, index) = nullptr;
+    }
+    for (st_chunk *chunk = table->entries->newest; chunk != nullptr; chunk = chunk->older) {
+        push_run(table, st_chunk_entries(chunk), chunk->used);
+    }
+}
+
+static void rehash(const st_table *table, uint32_t old_length) {
+    if (table->entries != nullptr && st_entries_have_no_holes(table->entries)) {
+        rehash_by_chunks(table, old_length);
+    } else {
+        rehash_by_bins(table, old_length);
     }
 }
 
@@ -157,7 +192,8 @@ void st_resize(st_table *table, uint32_t bins) {
 }
 
 void st_add_internal(st_table *table, void *entry) {
-    enter(table, entry, table->hash(st_key_of(table, entry)));
+    make_room(table);
+    push(table, entry, table->hash(st_key_of(table, entry)));
 }
 
 void *st_find_internal(const st_table *table, const void *key) {
@@ -186,11 +222,12 @@ st_entry *st_obtain_entry(st_table *table, const void *key, int *present) {
         if (table->last_sequence == INT32_MAX) {
             st_renumber(table);
         }
+        make_room(table);
         entry = st_entries_take(table->entries);
         entry->key = st_word{const_cast<void *>(key)};
         entry->value = st_word{nullptr};
         entry->sequence = ++table->last_sequence;
-        enter(table, entry, hash);
+        push(table, entry, hash);
     }
     return entry;
 }
