@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// The inputs: file and pipe by plain system calls, gzip by zlib, and memory.
+// The inputs: file and pipe by plain system calls, gzip by zlib, bzip2 by its library, and memory.
 #include "host/source/input.h"
 
+#include <bzlib.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -54,79 +55,169 @@ class FileInput : public Input {
     uint64_t total_ = 0;
 };
 
-class GzipInput : public Input {
+// What decompressors have in common: they take blocks and know one stream from the next.
+class CompressedInput : public Input {
+  public:
+    CompressedInput(std::unique_ptr<Input> compressed, std::string format)
+        : Input(compressed->name()),
+          compressed_(std::move(compressed)),
+          format_(std::move(format)),
+          block_(1U << 18) {}
+    uint64_t bytes_read() const override { return compressed_->bytes_read(); }
+    uint64_t bytes_total() const override { return compressed_->bytes_total(); }
+
+  protected:
+    // What became of one call of the decompressor.
+    enum class Result : uint8_t { more, stream_end, damage };
+
+    std::size_t fill(char *buffer, std::size_t size) override;
+
+    // Hands over compressed bytes.
+    virtual void give(char *bytes, unsigned size) = 0;
+    // Compressed bytes that are left.
+    virtual unsigned left() const = 0;
+    // Decompresses as far as it goes to `buffer`, and counts the bytes that it wrote there.
+    virtual Result decompress(char *buffer, unsigned size, unsigned *written) = 0;
+    // Prepares for another stream; bytes that are left stay.
+    virtual void restart() = 0;
+    // What the library says of damage.
+    virtual std::string cause() const = 0;
+
+  private:
+    // True if there are compressed bytes to work on.
+    bool next_block();
+    void finish(Result result, unsigned written);
+
+    std::unique_ptr<Input> compressed_;
+    std::string format_;
+    std::vector<char> block_;
+    bool inside_stream_ = false;  // some bytes of a stream have been taken, not yet its end
+    bool after_stream_ = false;   // at least one stream was complete
+    uint64_t written_ = 0;        // of this stream
+    bool finished_ = false;
+};
+
+bool CompressedInput::next_block() {
+    if (left() > 0) {
+        return true;
+    }
+    const std::size_t count = compressed_->read(block_.data(), block_.size());
+    give(block_.data(), static_cast<unsigned>(count));
+    return count > 0;
+}
+
+void CompressedInput::finish(Result result, unsigned written) {
+    written_ += written;
+    if (result == Result::stream_end) {
+        inside_stream_ = false;
+        after_stream_ = true;
+        written_ = 0;
+        restart();
+    } else if (result == Result::damage) {
+        fail(after_stream_ && written_ == 0
+                 ? "other bytes after the end of the " + format_ + " stream"
+                 : "a damaged " + format_ + " stream (" + cause() + ")");
+    }
+}
+
+std::size_t CompressedInput::fill(char *buffer, std::size_t size) {
+    const auto wanted = static_cast<unsigned>(std::min<std::size_t>(size, 1U << 30));
+    unsigned written = 0;
+    while (written == 0 && !finished_ && !failed()) {
+        if (!next_block()) {
+            finished_ = true;
+            if (compressed_->failed()) {
+                fail(compressed_->failure());
+            } else if (inside_stream_) {
+                fail("a truncated " + format_ + " stream");
+            }
+            break;
+        }
+        inside_stream_ = true;
+        const Result result = decompress(buffer, wanted, &written);
+        finish(result, written);
+    }
+    return written;
+}
+
+class GzipInput : public CompressedInput {
   public:
     explicit GzipInput(std::unique_ptr<Input> compressed)
-        : Input(compressed->name()), compressed_(std::move(compressed)), block_(1U << 18) {
+        : CompressedInput(std::move(compressed), "gzip") {
         const int window_bits_and_gzip_only = 15 + 16;
         if (inflateInit2(&stream_, window_bits_and_gzip_only) != Z_OK) {
             fail("no memory to decompress it");
         }
     }
     ~GzipInput() override { inflateEnd(&stream_); }
-    uint64_t bytes_read() const override { return compressed_->bytes_read(); }
-    uint64_t bytes_total() const override { return compressed_->bytes_total(); }
 
   protected:
-    std::size_t fill(char *buffer, std::size_t size) override;
+    void give(char *bytes, unsigned size) override {
+        stream_.next_in = reinterpret_cast<Bytef *>(bytes);
+        stream_.avail_in = size;
+    }
+    unsigned left() const override { return stream_.avail_in; }
+    Result decompress(char *buffer, unsigned size, unsigned *written) override {
+        stream_.next_out = reinterpret_cast<Bytef *>(buffer);
+        stream_.avail_out = size;
+        const int result = inflate(&stream_, Z_NO_FLUSH);
+        *written = size - stream_.avail_out;
+        return result == Z_STREAM_END                    ? Result::stream_end
+               : result == Z_OK || result == Z_BUF_ERROR ? Result::more
+                                                         : Result::damage;
+    }
+    void restart() override { inflateReset(&stream_); }
+    std::string cause() const override {
+        return stream_.msg != nullptr ? stream_.msg : "not a gzip header";
+    }
 
   private:
-    // True if there are compressed bytes to work on.
-    bool next_block();
-    // Deals with an inflate result; false ends the filling.
-    bool carry_on(int result);
-
-    std::unique_ptr<Input> compressed_;
-    std::vector<char> block_;
     z_stream stream_ = {};
-    bool inside_member_ = false;  // some bytes of a stream have been taken, not yet its end
-    bool after_member_ = false;   // at least one stream was complete
-    bool finished_ = false;
 };
 
-bool GzipInput::next_block() {
-    if (stream_.avail_in > 0) {
-        return true;
+class Bzip2Input : public CompressedInput {
+  public:
+    explicit Bzip2Input(std::unique_ptr<Input> compressed)
+        : CompressedInput(std::move(compressed), "bzip2") {
+        start();
     }
-    const std::size_t count = compressed_->read(block_.data(), block_.size());
-    stream_.next_in = reinterpret_cast<Bytef *>(block_.data());
-    stream_.avail_in = static_cast<uInt>(count);
-    return count > 0;
-}
+    ~Bzip2Input() override { BZ2_bzDecompressEnd(&stream_); }
 
-bool GzipInput::carry_on(int result) {
-    if (result == Z_STREAM_END) {
-        inside_member_ = false;
-        after_member_ = true;
-        inflateReset(&stream_);
-    } else if (result == Z_DATA_ERROR && after_member_ && stream_.total_out == 0) {
-        fail("other bytes after the end of the gzip stream");
-    } else if (result != Z_OK && result != Z_BUF_ERROR) {
-        fail(std::string("a damaged gzip stream (") +
-             (stream_.msg != nullptr ? stream_.msg : "not a gzip header") + ")");
+  protected:
+    void give(char *bytes, unsigned size) override {
+        stream_.next_in = bytes;
+        stream_.avail_in = size;
     }
-    return !failed();
-}
+    unsigned left() const override { return stream_.avail_in; }
+    Result decompress(char *buffer, unsigned size, unsigned *written) override {
+        stream_.next_out = buffer;
+        stream_.avail_out = size;
+        result_ = BZ2_bzDecompress(&stream_);
+        *written = size - stream_.avail_out;
+        return result_ == BZ_STREAM_END ? Result::stream_end
+               : result_ == BZ_OK       ? Result::more
+                                        : Result::damage;
+    }
+    void restart() override {
+        BZ2_bzDecompressEnd(&stream_);
+        start();
+    }
+    std::string cause() const override {
+        return result_ == BZ_DATA_ERROR_MAGIC ? "not a bzip2 header"
+               : result_ == BZ_MEM_ERROR      ? "no memory to decompress it"
+                                              : "its checksum or its codes are wrong";
+    }
 
-std::size_t GzipInput::fill(char *buffer, std::size_t size) {
-    stream_.next_out = reinterpret_cast<Bytef *>(buffer);
-    stream_.avail_out = static_cast<uInt>(std::min<std::size_t>(size, 1U << 30));
-    const uInt wanted = stream_.avail_out;
-    while (stream_.avail_out == wanted && !finished_ && !failed()) {
-        if (!next_block()) {
-            finished_ = true;
-            if (compressed_->failed()) {
-                fail(compressed_->failure());
-            } else if (inside_member_) {
-                fail("a truncated gzip stream");
-            }
-            break;
+  private:
+    void start() {
+        if (BZ2_bzDecompressInit(&stream_, 0, 0) != BZ_OK) {
+            fail("no memory to decompress it");
         }
-        inside_member_ = true;
-        carry_on(inflate(&stream_, Z_NO_FLUSH));
     }
-    return wanted - stream_.avail_out;
-}
+
+    bz_stream stream_ = {};
+    int result_ = BZ_OK;
+};
 
 class MemoryInput : public Input {
   public:
@@ -188,6 +279,10 @@ std::unique_ptr<Input> open_file_input(const std::string &path, std::string *err
 
 std::unique_ptr<Input> make_gzip_input(std::unique_ptr<Input> compressed) {
     return std::make_unique<GzipInput>(std::move(compressed));
+}
+
+std::unique_ptr<Input> make_bzip2_input(std::unique_ptr<Input> compressed) {
+    return std::make_unique<Bzip2Input>(std::move(compressed));
 }
 
 std::unique_ptr<Input> make_memory_input(std::string name, std::string text, std::size_t piece) {

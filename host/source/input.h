@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Bytes of a waveform in blocks, from wherever they come: a file, standard input, a gzip stream, or
-// memory. Knows nothing of formats. An input can wrap another, so that a decompressor or a thread
-// that reads ahead stands between the disk and the reader without either noticing.
+// Bytes of a waveform in blocks, from wherever they come: a file, standard input, a stream of gzip
+// or bzip2, or memory. Knows nothing of formats. An input can wrap another, so that a decompressor
+// or a thread that reads ahead stands between the disk and the reader without either noticing.
 #ifndef WATTFORGE_HOST_SOURCE_INPUT_H
 #define WATTFORGE_HOST_SOURCE_INPUT_H
 
@@ -57,6 +57,9 @@ std::unique_ptr<Input> open_file_input(const std::string &path, std::string *err
 // The uncompressed bytes of `compressed`, which may hold several gzip streams one after another. A
 // stream that is cut off or fails its checksum fails the input after its last good byte.
 std::unique_ptr<Input> make_gzip_input(std::unique_ptr<Input> compressed);
+
+// The same for bzip2.
+std::unique_ptr<Input> make_bzip2_input(std::unique_ptr<Input> compressed);
 
 // `text` under the name `name`, handed out in pieces of at most `piece` bytes.
 std::unique_ptr<Input> make_memory_input(std::string name, std::string text,

@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include "host/source/ghw/source.h"
 #include "host/source/input.h"
 #include "host/source/source.h"
 #include "host/source/vcd/source.h"
@@ -18,21 +19,25 @@ struct Signature {
     std::string_view format;
 };
 
+constexpr std::string_view fst = "an FST file; fst2vcd FILE | wfsim - reads it";
+
 // What users hand over by mistake, so that the message can name it.
 constexpr Signature signatures[] = {
-    {"GHDLwave", "a GHW file"},
-    {"BZh", "a file compressed with bzip2"},
     {"\xfd"
      "7zXZ",
      "a file compressed with xz"},
     {"\x28\xb5\x2f\xfd", "a file compressed with zstd"},
-    {std::string_view("\0\0\0\0\0\0\0\x01\x49", 9), "an FST file (fst2vcd converts it)"},
+    {std::string_view("\0\0\0\0\0\0\0\x01\x49", 9), fst},
     {"PK\x03\x04", "a ZIP archive"},
 };
 
 std::string describe(std::string_view beginning) {
     if (beginning.empty()) {
         return "an empty file";
+    }
+    // A whole FST file compressed once more: its two lengths, then gzip.
+    if (beginning.front() == '\xfe' && beginning.substr(1).find("\x1f\x8b") == 16) {
+        return std::string(fst);
     }
     for (const Signature &signature : signatures) {
         if (beginning.starts_with(signature.bytes)) {
@@ -51,14 +56,20 @@ std::unique_ptr<Source> open_source(const std::string &path, std::string *error)
     }
     if (input->peek(looked_at).starts_with("\x1f\x8b")) {
         input = make_gzip_input(std::move(input));
+    } else if (input->peek(looked_at).starts_with("BZh")) {
+        input = make_bzip2_input(std::move(input));
     }
     const std::string_view beginning = input->peek(looked_at);
     if (vcd::recognise(beginning)) {
         return vcd::make_source(std::move(input));
     }
+    if (ghw::recognise(beginning)) {
+        return ghw::make_source(std::move(input));
+    }
     const std::string got =
         beginning.empty() && input->failed() ? input->failure() : describe(beginning);
-    *error = input->name() + ": expected a VCD file (plain or compressed with gzip), got " + got;
+    *error = input->name() +
+             ": expected a VCD or GHW file (plain, or compressed with gzip or bzip2), got " + got;
     return nullptr;
 }
 

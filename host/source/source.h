@@ -61,8 +61,8 @@ class Source {
     virtual void on_progress(std::function<void(const SourcePosition &)> listener) = 0;
 };
 
-// Opens the waveform at `path` ("-" is standard input), plain or compressed with gzip; its format
-// is recognised by its content, not its name. Null: `*error` is `file: expected X, got Y`.
+// Opens the waveform at `path` ("-" is standard input), plain or compressed with gzip or bzip2; its
+// format is recognised by its content, not its name. Null: `*error` is `file: expected X, got Y`.
 std::unique_ptr<Source> open_source(const std::string &path, std::string *error);
 
 }  // namespace wf

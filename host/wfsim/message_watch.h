@@ -9,6 +9,7 @@
 namespace wf {
 
 struct MessageWatch {
+    bool selected = false;  // signals were registered, some perhaps not: an error each
     bool window_open = false;
     unsigned errors = 0;   // messages that began with "Error (KLVA-PWR)"
     unsigned reports = 0;  // reports that the plug-in says it has written
@@ -16,6 +17,8 @@ struct MessageWatch {
     void see(std::string_view message) {
         if (message.starts_with("Error (KLVA-PWR)")) {
             ++errors;
+        } else if (message.starts_with("Information (KLVA-PWR): Completed set_toggle_region")) {
+            selected = true;
         } else if (message.starts_with("Information (KLVA-PWR): Turned on counting window")) {
             window_open = true;
         } else if (message.starts_with("Information (KLVA-PWR): Turned off counting window")) {

@@ -11,8 +11,8 @@ namespace wf {
 const char *const usage_text =
     R"(usage: wfsim [options] WAVEFORM
 
-Loads the design and its events from a waveform (VCD, plain or compressed with gzip, "-" for
-standard input), loads the plug-in, and runs a Tcl script or offers a prompt.
+Loads the design and its events from a waveform (VCD or GHW, plain or compressed with gzip or
+bzip2, "-" for standard input), loads the plug-in, and runs a Tcl script or offers a prompt.
 
   -do FILE|COMMANDS     run a script: the name of a file, else Tcl commands; may be repeated
   -c, -batch            never prompt; without -do read commands from standard input

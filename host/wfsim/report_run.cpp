@@ -175,7 +175,8 @@ bool ReportRun::select_signals() {
             return false;
         }
     }
-    return command("set_toggle_region", joined(options_.regions));
+    // A signal whose type cannot be counted is an error that keeps nobody else from being counted.
+    return command("set_toggle_region", joined(options_.regions)) || watch_.selected;
 }
 
 bool ReportRun::open_window() {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Inputs: the bytes come out whole from files, pipes and gzip streams, and damage is named.
+// Inputs: the bytes come out whole from files, pipes and compressed streams, and damage is named.
 #include "host/source/input.h"
 
 #include <gmock/gmock.h>
@@ -76,32 +76,50 @@ TEST(Input, PipesComeInWhateverPiecesTheyLike) {
     writer.join();
 }
 
-TEST(Input, GzipThatIsCutAnywhereGivesItsBeginningAndFails) {
+struct Format {
+    const char *name;
+    std::string (*compress)(const std::string &);
+    std::unique_ptr<Input> (*open)(std::unique_ptr<Input>);
+};
+
+const Format formats[] = {{"gzip", gzipped, make_gzip_input}, {"bzip2", bzipped, make_bzip2_input}};
+
+TEST(Input, AStreamThatIsCutAnywhereGivesItsBeginningAndFails) {
     const std::string text = numbers(300);
-    const std::string compressed = gzipped(text);
-    for (std::size_t length = 1; length < compressed.size(); ++length) {
-        const auto input =
-            make_gzip_input(make_memory_input("m", compressed.substr(0, length), 1 + length % 50));
-        const std::string read = read_all(*input, 100);
-        ASSERT_TRUE(text.starts_with(read)) << length;
-        ASSERT_EQ(input->failure(), "a truncated gzip stream") << length;
+    for (const auto &[name, compress, open] : formats) {
+        const std::string compressed = compress(text);
+        for (std::size_t length = 1; length < compressed.size(); ++length) {
+            const auto input =
+                open(make_memory_input("m", compressed.substr(0, length), 1 + length % 50));
+            const std::string read = read_all(*input, 100);
+            ASSERT_TRUE(text.starts_with(read)) << name << length;
+            ASSERT_EQ(input->failure(), std::string("a truncated ") + name + " stream") << length;
+        }
     }
 }
 
-TEST(Input, GzipThatIsDamagedIsNamed) {
+TEST(Input, AStreamThatIsDamagedIsNamed) {
     const std::string text = numbers(300);
-    std::string changed = gzipped(text);
-    changed[changed.size() - 6] ^= 1;  // in the checksum
-    const std::pair<std::string, const char *> rows[] = {
-        {changed, "a damaged gzip stream (incorrect data check)"},
-        {"\x1f\x8b rather not", "a damaged gzip stream (unknown compression method)"},
-        {gzipped(text) + "more", "other bytes after the end of the gzip stream"},
-        {gzipped(text) + gzipped(text), ""}};
-    for (const auto &[compressed, failure] : rows) {
-        const auto input = make_gzip_input(make_memory_input("m", compressed));
-        const std::string read = read_all(*input, 64);
-        EXPECT_EQ(input->failure(), failure);
-        EXPECT_TRUE((text + text).starts_with(read));
+    for (const auto &[name, compress, open] : formats) {
+        std::string changed = compress(text);
+        changed[changed.size() - 6] ^= 1;  // in the checksum
+        const std::string stream = std::string(name) + " stream";
+        const bool is_gzip = stream == "gzip stream";
+        const std::pair<std::string, std::string> rows[] = {
+            {changed,
+             "a damaged " + stream + " (" +
+                 (is_gzip ? "incorrect data check" : "its checksum or its codes are wrong") + ")"},
+            {"\x1f\x8b rather not",
+             "a damaged " + stream + " (" +
+                 (is_gzip ? "unknown compression method" : "not a bzip2 header") + ")"},
+            {compress(text) + "more", "other bytes after the end of the " + stream},
+            {compress(text) + compress(text), ""}};
+        for (const auto &[compressed, failure] : rows) {
+            const auto input = open(make_memory_input("m", compressed));
+            const std::string read = read_all(*input, 64);
+            EXPECT_EQ(input->failure(), failure);
+            EXPECT_TRUE((text + text).starts_with(read));
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 // The reading of VCD texts for tests.
 #include "tests/host/source/vcd_reading.h"
 
+#include <bzlib.h>
 #include <gtest/gtest.h>
 #include <zlib.h>
 
@@ -127,6 +128,16 @@ std::string gzipped(const std::string &text) {
     deflate(&stream, Z_FINISH);
     result.resize(stream.total_out);
     deflateEnd(&stream);
+    return result;
+}
+
+std::string bzipped(const std::string &text) {
+    std::string result(text.size() + text.size() / 50 + 600, '\0');
+    auto size = static_cast<unsigned>(result.size());
+    std::string source = text;
+    BZ2_bzBuffToBuffCompress(result.data(), &size, source.data(),
+                             static_cast<unsigned>(source.size()), 1, 0, 0);
+    result.resize(size);
     return result;
 }
 

@@ -35,6 +35,7 @@ std::string data_file(std::string_view name);
 std::string data_path(std::string_view name);
 
 std::string gzipped(const std::string &text);
+std::string bzipped(const std::string &text);
 
 // A file of that content in the test's temporary folder.
 std::string temporary_file(const std::string &name, const std::string &content);

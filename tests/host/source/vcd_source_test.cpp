@@ -171,24 +171,31 @@ TEST(OpenSource, GoesByContent) {
     std::string error;
     Replay plain(open_source(temporary_file("kinds.txt", " \n" + text), &error));
     Replay packed(open_source(temporary_file("kinds.fst", gzipped(text)), &error));
+    Replay packed_well(open_source(temporary_file("kinds.gz", bzipped(text)), &error));
     plain.to(forever);
     packed.to(forever);
+    packed_well.to(forever);
     EXPECT_EQ(plain.steps, packed.steps);
+    EXPECT_EQ(plain.steps, packed_well.steps);
     EXPECT_GT(plain.steps.size(), 10U);
 
     const std::pair<std::string, const char *> rows[] = {
         {"", "an empty file"},
-        {"GHDLwave\n12", "a GHW file"},
-        {std::string("\0\0\0\0\0\0\0\1\x49", 9), "an FST file (fst2vcd converts it)"},
+        {std::string("\0\0\0\0\0\0\0\1\x49", 9), "an FST file; fst2vcd FILE | wfsim - reads it"},
+        {"\xfe" + std::string(16, '\0') + gzipped("x"),
+         "an FST file; fst2vcd FILE | wfsim - reads it"},
         {"PK\3\4zip", "a ZIP archive"},
-        {gzipped("BZh9x"), "a file compressed with bzip2"},
+        {gzipped("BZh9x"), "something else, beginning with 'BZh9x'"},
+        {"BZh9x", "a damaged bzip2 stream (its checksum or its codes are wrong)"},
         {gzipped(text).substr(0, 5), "a truncated gzip stream"},
         {"library ieee;\nuse", "something else, beginning with 'library\\x20ieee;\\x0aus'"}};
     for (const auto &[content, got] : rows) {
         const std::string path = temporary_file("unknown.vcd", content);
         EXPECT_EQ(open_source(path, &error), nullptr);
-        EXPECT_EQ(error,
-                  path + ": expected a VCD file (plain or compressed with gzip), got " + got);
+        EXPECT_EQ(error, path +
+                             ": expected a VCD or GHW file (plain, or compressed with gzip or "
+                             "bzip2), got " +
+                             got);
     }
 }
 
