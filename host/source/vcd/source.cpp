@@ -9,6 +9,7 @@
 
 #include "host/design/design.h"
 #include "host/kernel/kernel.h"
+#include "host/source/replay.h"
 #include "host/source/vcd/declare.h"
 #include "host/source/vcd/events.h"
 #include "host/source/vcd/header.h"
@@ -17,32 +18,14 @@
 namespace wf::vcd {
 namespace {
 
-// Sets values and finishes a step when the next one begins; stops before a step beyond the limit.
-class ReplaySink {
+class ReplaySink : public ReplaySteps {
   public:
-    ReplaySink(Kernel &kernel, Ticks limit, StopFlag stop, Ticks *last_time)
-        : kernel_(kernel), limit_(limit), stop_(stop), last_time_(last_time) {}
-
-    bool time(Ticks time) {
-        kernel_.finish_step();
-        *last_time_ = time;
-        if (time > limit_ || (stop_ != nullptr && *stop_ != 0)) {
-            return false;
-        }
-        kernel_.begin_step(time);
-        return true;
-    }
+    using ReplaySteps::ReplaySteps;
     void bit(Slot slot, uint8_t value) { kernel_.set_byte(slot, value); }
     void bits(Slot first, const uint8_t *values, uint32_t count) {
         kernel_.set_bytes(first, values, count);
     }
     void real(Slot slot, double value) { kernel_.set_real(slot, value); }
-
-  private:
-    Kernel &kernel_;
-    Ticks limit_;
-    StopFlag stop_;
-    Ticks *last_time_;
 };
 
 class VcdSource : public Source {
@@ -51,10 +34,10 @@ class VcdSource : public Source {
 
     bool load(Design &design) override;
     Progress advance_to(Kernel &kernel, Ticks limit, StopFlag stop) override;
-    const std::string &error() const override { return error_; }
+    const std::string &error() const override { return state_.error; }
     SourcePosition position() const override {
         const Input &input = tokens_.input();
-        return {input.bytes_read(), input.bytes_total(), last_time_};
+        return {input.bytes_read(), input.bytes_total(), state_.last_time};
     }
     void on_progress(std::function<void(const SourcePosition &)> listener) override {
         if (!listener) {
@@ -70,27 +53,25 @@ class VcdSource : public Source {
     Tokens tokens_;
     IdTable ids_;
     std::optional<Events> events_;  // once the declarations have been read
-    Ticks last_time_ = 0;           // of the step whose changes come next
-    bool ended_ = false;
-    std::string error_;
+    ReplayState state_;
 };
 
 bool VcdSource::load(Design &design) {
     try {
         return read_declarations(design);
     } catch (const std::bad_alloc &) {
-        error_ = tokens_.fault("a design that fits into memory", "a larger one");
+        state_.error = tokens_.fault("a design that fits into memory", "a larger one");
         return false;
     }
 }
 
 bool VcdSource::read_declarations(Design &design) {
     Declarations declarations(design, ids_);
-    if (!read_header(tokens_, declarations, &error_)) {
+    if (!read_header(tokens_, declarations, &state_.error)) {
         return false;
     }
     if (!declarations.finish()) {
-        error_ = tokens_.fault("a design of at most 4294967294 bits", "a larger one");
+        state_.error = tokens_.fault("a design of at most 4294967294 bits", "a larger one");
         return false;
     }
     events_.emplace(tokens_, ids_);
@@ -98,32 +79,7 @@ bool VcdSource::read_declarations(Design &design) {
 }
 
 Progress VcdSource::advance_to(Kernel &kernel, Ticks limit, StopFlag stop) {
-    if (!error_.empty() || !events_) {
-        return Progress::damaged;
-    }
-    if (ended_) {
-        return Progress::end_of_data;
-    }
-    EventsEnd end = EventsEnd::stopped;
-    if (last_time_ <= limit) {
-        kernel.begin_step(std::max(last_time_, kernel.now()));
-        ReplaySink sink(kernel, limit, stop, &last_time_);
-        end = events_->run(sink);
-        kernel.finish_step();
-    }
-    if (end == EventsEnd::damaged) {
-        error_ = events_->error();
-        return Progress::damaged;
-    }
-    if (end == EventsEnd::end_of_data) {
-        ended_ = true;
-        return Progress::end_of_data;
-    }
-    if (last_time_ <= limit) {
-        return Progress::interrupted;
-    }
-    kernel.advance(std::max(limit, kernel.now()));
-    return Progress::reached;
+    return events_ ? replay<ReplaySink>(*events_, kernel, limit, stop, state_) : Progress::damaged;
 }
 
 }  // namespace
