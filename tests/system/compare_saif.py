@@ -20,7 +20,8 @@ WORD = re.compile(r'"[^"]*"|[()]|(?:\\.|[^\s()"\\])+')
 
 
 class Report:
-    """A SAIF file: header fields as lists of words, and path of a bit -> list of field tables."""
+    """A SAIF file: header fields as lists of words, path of a bit -> list of field tables, and the
+    paths that are ports."""
 
     def __init__(self, path):
         with open(path, encoding="latin-1") as file:
@@ -28,6 +29,7 @@ class Report:
         self.at = 0
         self.header = {}
         self.bits = {}
+        self.ports = set()
         self.expect("(", "SAIFILE")
         self.read_blocks("")
         if self.at != len(self.words):
@@ -53,7 +55,7 @@ class Report:
                     self.take()
                 self.read_blocks(path + "/" + plain(self.take()))
             elif keyword in ("PORT", "NET"):
-                self.read_records(path)
+                self.read_records(path, keyword == "PORT")
             else:
                 self.header[keyword] = self.read_words()
         if word != ")":
@@ -65,7 +67,7 @@ class Report:
             words.append(word)
         return words
 
-    def read_records(self, path):
+    def read_records(self, path, ports):
         while (word := self.take()) == "(":
             name = path + "/" + plain(self.take())
             fields = {}
@@ -75,6 +77,8 @@ class Report:
             if tuple(fields) != FIELDS:
                 raise ValueError(f"{name}: fields {list(fields)}")
             self.bits.setdefault(name, []).append(fields)
+            if ports:
+                self.ports.add(name)
         if word != ")":
             raise ValueError(f"expected a record, got {word}")
 
