@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Measures replay with every bit watched and the report written, beside two yardsticks in one run.
+"""Measures replay beside two yardsticks in one run.
 
-For each waveform: `wc -l`, the bare counter, and wfsim; interleaved, medians of all rounds. CPU is
-user and system time, the ratios are of CPU times.
+For each waveform, interleaved, medians of all rounds: `wc -l`; the bare counter; and wfsim with every
+bit watched and the report written, with the whole instances watched that make up a tenth of the bits,
+with nothing watched, and with every object named by a forward file (each fourth one sequential).
+CPU is user and system time, the ratios are of CPU times.
 """
 
 import argparse
@@ -17,9 +19,11 @@ import sys
 import tempfile
 import time
 
+import header
+
 KINDS = ("cpu", "netlist", "buses")
 COLUMNS = ("waveform", "MB", "bits", "program", "CPU s", "wall s", "MB/s", "peak MB", "x wc -l",
-           "x bare", "bytes/bit")
+           "x bare", "x nothing", "bytes/bit")
 
 
 def measure(command, folder):
@@ -41,31 +45,57 @@ def count_bits(report):
         return sum(1 for line in file if "(T0 " in line)
 
 
-def programs(build, waveform):
+def script(watched, forward=""):
+    """Commands that record the whole waveform."""
+    words = " ".join("{" + path + "}" for path in watched)
+    read = f"read_rtl_saif {forward} /tb; " if forward else ""
+    return (f"{read}set_toggle_region {words}; toggle_start; run -all; toggle_stop; "
+            "toggle_report out.saif 1.0e-9 /tb; quit")
+
+
+def programs(build, waveform, folder):
+    design = header.read_header(waveform)
+    header.write_forward(design, pathlib.Path(folder) / "forward.saif")
+    tenth, _ = header.share_of(design, design.bits() // 10)
+    wfsim = [build / "bin/wfsim", waveform]
     return {
         "wc -l": ["wc", "-l", waveform],
         "bare": [build / "bin/bare_counter", waveform],
-        "wfsim": [build / "bin/wfsim", waveform, "-saif", "out.saif"],
+        "all bits": [*wfsim, "-saif", "out.saif"],
+        "a tenth": [*wfsim, "-do", script(tenth)],
+        "nothing": [*wfsim, "-do", "run -all; quit"],
+        "forward RTL": [*wfsim, "-do", script(["/tb"], "forward.saif")],
     }
 
 
 def rows_for(build, waveform, rounds):
     """The table rows of one waveform."""
-    commands = programs(build, waveform)
-    samples = {name: [] for name in commands}
     with tempfile.TemporaryDirectory() as folder:
+        commands = programs(build, waveform, folder)
+        samples = {name: [] for name in commands}
+        bits = {}
         for _ in range(rounds):
             for name, command in commands.items():
                 samples[name].append(measure(command, folder))
-        bits = count_bits(pathlib.Path(folder) / "out.saif")
+                bits[name] = take_bits(pathlib.Path(folder) / "out.saif")
     megabytes = waveform.stat().st_size / 1e6
     middle = {name: [statistics.median(column) for column in zip(*runs)]
               for name, runs in samples.items()}
     for name, (cpu, wall, peak) in middle.items():
-        yield (waveform.stem, f"{megabytes:.0f}", bits, name, f"{cpu:.2f}", f"{wall:.2f}",
+        recorded = bits[name]
+        yield (waveform.stem, f"{megabytes:.0f}", recorded or "", name, f"{cpu:.2f}", f"{wall:.2f}",
                f"{megabytes / cpu:.0f}", f"{peak / 1e6:.1f}", f"{cpu / middle['wc -l'][0]:.1f}",
-               f"{cpu / middle['bare'][0]:.2f}",
-               f"{peak / bits:.0f}" if name == "wfsim" else "")
+               f"{cpu / middle['bare'][0]:.2f}", f"{cpu / middle['nothing'][0]:.2f}",
+               f"{peak / recorded:.0f}" if recorded else "")
+
+
+def take_bits(report):
+    """The bits in the report of the last run, if it wrote one; the next run begins without it."""
+    if not report.exists():
+        return 0
+    bits = count_bits(report)
+    report.unlink()
+    return bits
 
 
 def print_table(rows):
