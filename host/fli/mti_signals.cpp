@@ -193,6 +193,7 @@ mtiInt32T mti_GetSignalValue(mtiSignalIdT signal) {
         call.complain(call.name(record) + " has no 32-bit value");
         return 0;
     }
+    call->kernel.fetch(*record);
     const auto value = type.is_byte() ? mtiInt32T{call->kernel.byte(record->slot)}
                                       : static_cast<mtiInt32T>(call->kernel.word(record->slot));
     if (call.traced()) [[unlikely]] {

@@ -106,6 +106,9 @@ void Kernel::watch_leaves(uint32_t process, const Type &type, Slot first) {
 }
 
 void Kernel::watch_slot(uint32_t index, Slot slot) {
+    if (supply_ != nullptr && heads_[slot] == 0) {
+        supply_->watched(slot);
+    }
     Process &process = process_at(index);
     uint32_t link = index << 1;
     if (process.next != 0) {

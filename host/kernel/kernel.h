@@ -19,6 +19,19 @@ namespace wf {
 
 using Ticks = int64_t;
 
+// Who has the values of slots that nobody watches, where they are not sent unasked: a running
+// simulator. It sets them with set_byte and its like, at the time that is now.
+class ValueSupply {
+  public:
+    // Somebody is about to read these slots, and one of them at least is not watched.
+    virtual void wanted(Slot first, uint32_t count) = 0;
+    // The slot is about to get its first watcher; from now on its changes are to be sent.
+    virtual void watched(Slot slot) = 0;
+
+  protected:
+    ~ValueSupply() = default;
+};
+
 // A time step:
 //
 //     kernel.begin_step(t);          // t is now
@@ -92,6 +105,15 @@ class Kernel {
         }
     }
     void set_real(Slot slot, double value) { set_word(slot, std::bit_cast<int64_t>(value)); }
+    // Asks this supply for values from now on; null: nobody. It outlives the kernel or is taken
+    // away.
+    void supply_from(ValueSupply *supply) { supply_ = supply; }
+    // Has the values of an object's slots brought up to date before they are read.
+    void fetch(const Signal &signal) {
+        if (supply_ != nullptr && (signal.type->slots != 1 || heads_[signal.slot] == 0)) {
+            supply_->wanted(signal.slot, signal.type->slots);
+        }
+    }
 
     // --- processes ---
     // A process that wakes when it is sensitised; it never runs by itself. The name is copied. The
@@ -207,6 +229,7 @@ class Kernel {
     uint32_t watch_version_ = 0;
     Slot head_capacity_ = 0;
     Slot slots_ = 0;
+    ValueSupply *supply_ = nullptr;
     Tracer tracer_ = nullptr;
     void *tracer_context_ = nullptr;
     std::vector<std::string> names_;

@@ -73,6 +73,7 @@ int find(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[])
 
 // A record or an array of other things than characters comes as a Tcl list, its outer braces off.
 std::string examined_value(Session &session, const Signal &signal, Radix radix) {
+    session.kernel.fetch(signal);
     std::string value = value_text(*signal.type, session.kernel.bytes(signal.slot));
     if (!signal.type->is_composite()) {
         return value;
