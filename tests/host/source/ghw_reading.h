@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+// GHW files for tests: written byte by byte in either order, and read into lists of lines.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/source/ghw/tokens.h"
+
+namespace wf::test {
+
+// Bytes in a file's order; every function answers the object, so that calls can be strung together.
+class GhwBytes {
+  public:
+    explicit GhwBytes(std::endian order = std::endian::little) : order_(order) {}
+
+    GhwBytes &text(std::string_view bytes);
+    GhwBytes &byte(int value) { return text(std::string(1, static_cast<char>(value))); }
+    GhwBytes &bytes(std::initializer_list<int> values);
+    GhwBytes &word(uint32_t value);       // four bytes
+    GhwBytes &long_word(uint64_t value);  // eight
+    GhwBytes &real(double value) { return long_word(std::bit_cast<uint64_t>(value)); }
+    GhwBytes &number(uint64_t value);  // LEB128
+    GhwBytes &signed_number(int64_t value);
+
+    // The first sixteen bytes.
+    GhwBytes &preamble(int minor = 1);
+    // A section's name and the zero bytes behind it.
+    GhwBytes &section(std::string_view name) { return text(name).byte(0).word(0); }
+    // The whole section; strings get the numbers 1, 2, ...
+    GhwBytes &strings(const std::vector<std::string> &strings);
+    GhwBytes &end_of_header() { return text({"EOH\0", 4}); }
+    GhwBytes &snapshot(int64_t time) { return section("SNP").long_word(bits(time)); }
+    GhwBytes &cycles(int64_t time) { return text({"CYC\0", 4}).long_word(bits(time)); }
+    // Ends a cycle; -1 with the section.
+    GhwBytes &advance(int64_t time);
+    // Directory and tail.
+    GhwBytes &tail();
+
+    operator const std::string &() const { return bytes_; }
+
+  private:
+    static uint64_t bits(int64_t value) { return static_cast<uint64_t>(value); }
+
+    std::endian order_;
+    std::string bytes_;
+};
+
+struct GhwReading {
+    // "/top instance", "  bus (7:0) of std_logic in @3", "  n integer 15:0 @11"
+    std::vector<std::string> design;
+    // "#10", "3=1", "11=-4"; the number is the slot
+    std::vector<std::string> events;
+    int resolution = 0;
+    std::string error;  // of either half
+    bool loaded = false;
+};
+
+// Reads `bytes` under the name t.ghw through a buffer of `block` bytes that is filled in pieces of
+// at most `piece`. An event outside the design's storage throws.
+GhwReading read_ghw(const std::string &bytes, std::size_t block = ghw::Tokens::default_block,
+                    std::size_t piece = SIZE_MAX);
+
+}  // namespace wf::test
