@@ -8,26 +8,29 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <memory>
 
 #include "host/design/design.h"
+#include "host/fli/plugins.h"
 #include "host/fli/session.h"
 #include "host/kernel/kernel.h"
 #include "host/shell/interrupt.h"
+#include "host/shell/message_watch.h"
 #include "host/shell/progress_meter.h"
 #include "host/shell/prompt.h"
 #include "host/shell/shell.h"
 #include "host/shell/transcript.h"
 #include "host/source/source.h"
 #include "host/wfsim/exit_status.h"
-#include "host/wfsim/message_watch.h"
 #include "host/wfsim/options.h"
-#include "host/wfsim/plugins.h"
 #include "host/wfsim/replay.h"
 #include "host/wfsim/report_run.h"
 
 namespace wf {
 namespace {
+
+namespace fs = std::filesystem;
 
 struct CloseFile {
     void operator()(std::FILE *file) const { std::fclose(file); }
@@ -191,9 +194,18 @@ int run_waveform(Transcript &transcript, ProgressMeter &meter, const Options &op
     return replay(*source, design, transcript, options, plugins);
 }
 
+// WATTFORGE_LIBDIR comes from the build: the folder of libraries of the installation.
+PluginOption foreign_option() {
+    std::error_code ignored;
+    const fs::path folder = fs::read_symlink("/proc/self/exe", ignored).parent_path();
+    return {.name = "-foreign",
+            .separator = ' ',
+            .folders = {folder / ".." / "lib", folder, WATTFORGE_LIBDIR}};
+}
+
 int run(const Options &options) {
     std::vector<Plugin> plugins;
-    std::string error = choose_plugins(options.foreign, &plugins);
+    std::string error = choose_plugins(options.foreign, foreign_option(), &plugins);
     if (!error.empty()) {
         return complain(error, options.foreign.empty() ? exit_error : exit_usage);
     }

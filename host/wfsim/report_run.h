@@ -6,10 +6,10 @@
 
 #include <string>
 
+#include "host/shell/message_watch.h"
 #include "host/shell/run_notes.h"
 #include "host/shell/simulation.h"
 #include "host/wfsim/exit_status.h"
-#include "host/wfsim/message_watch.h"
 #include "host/wfsim/options.h"
 
 namespace wf {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What can be told of the plug-in's state from outside: the interface gives no results of commands,
 // so the messages are what there is to go by.
-#ifndef WATTFORGE_HOST_WFSIM_MESSAGE_WATCH_H
-#define WATTFORGE_HOST_WFSIM_MESSAGE_WATCH_H
+#ifndef WATTFORGE_HOST_SHELL_MESSAGE_WATCH_H
+#define WATTFORGE_HOST_SHELL_MESSAGE_WATCH_H
 
 #include <string_view>
 

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+// The walk of the scopes, and the giving out of storage.
+#include "host/source/vpi/declare.h"
+
+#include <optional>
+
+#include "host/source/vpi/access.h"
+
+namespace wf::vpi {
+namespace {
+
+// A property of Icarus Verilog's own: the same for all nets of one bit that are one; 0 for others.
+constexpr PLI_INT32 net_id = 0x1000000;
+
+// The kind that a scope has in the dump; nothing for what is no scope.
+std::optional<RegionKind> region_kind(PLI_INT32 kind) {
+    switch (kind) {
+        case vpiModule:
+            return RegionKind::module;
+        case vpiGenScope:
+        case vpiNamedBegin:
+        case vpiNamedFork:
+            return RegionKind::named_block;
+        case vpiFunction:
+            return RegionKind::function;
+        case vpiTask:
+            return RegionKind::task;
+        case vpiPackage:
+            return RegionKind::package;
+        default:
+            return {};
+    }
+}
+
+bool is_declared(PLI_INT32 kind) {
+    switch (kind) {
+        case vpiNet:
+        case vpiReg:
+        case vpiIntegerVar:
+        case vpiTimeVar:
+        case vpiRealVar:
+        case vpiLongIntVar:
+        case vpiShortIntVar:
+        case vpiIntVar:
+        case vpiByteVar:
+        case vpiBitVar:
+            return true;
+        default:
+            return false;
+    }
+}
+
+Mode mode_of(PLI_INT32 direction) {
+    switch (direction) {
+        case vpiInput:
+            return Mode::in;
+        case vpiOutput:
+            return Mode::out;
+        case vpiInout:
+            return Mode::inout;
+        default:
+            return Mode::internal;
+    }
+}
+
+}  // namespace
+
+bool Declarations::read() {
+    for_each(vpiModule, nullptr, [this](vpiHandle root) { declare_scope(nullptr, root); });
+    return !is_too_large_;
+}
+
+void Declarations::declare_scope(Region *parent, vpiHandle scope) {
+    const std::optional<RegionKind> kind = region_kind(vpi_get(vpiType, scope));
+    const std::string name = text_of(vpiName, scope);
+    // Icarus lists child modules among the inner scopes once more.
+    if (!kind || design_.find_child(parent, name) != nullptr) {
+        return;
+    }
+    Region *region = design_.add_region(parent, name, *kind);
+    declare_objects(region, scope);
+    for (const PLI_INT32 relation : {vpiModule, vpiInternalScope}) {
+        for_each(relation, scope,
+                 [this, region](vpiHandle child) { declare_scope(region, child); });
+    }
+}
+
+void Declarations::declare_objects(Region *region, vpiHandle scope) {
+    const Modes modes = port_modes(scope);
+    for (const PLI_INT32 relation : {vpiNet, vpiReg, vpiVariables}) {
+        for_each(relation, scope, [&](vpiHandle handle) { declare(region, handle, modes); });
+    }
+}
+
+Declarations::Modes Declarations::port_modes(vpiHandle scope) const {
+    Modes modes;
+    if (traits_.offers_directions && vpi_get(vpiType, scope) == vpiModule) {
+        for_each(vpiPort, scope, [&modes](vpiHandle port) {
+            modes.emplace(text_of(vpiName, port), mode_of(vpi_get(vpiDirection, port)));
+        });
+    }
+    return modes;
+}
+
+void Declarations::declare(Region *region, vpiHandle handle, const Modes &modes) {
+    const PLI_INT32 kind = vpi_get(vpiType, handle);
+    const PLI_INT32 width = is_declared(kind) ? vpi_get(vpiSize, handle) : 0;
+    if (width <= 0) {
+        return;
+    }
+    const std::string name = text_of(vpiName, handle);
+    const auto bits = static_cast<uint32_t>(width);
+    const Type *type = type_of(handle, kind, bits);
+    const Slot slot = storage_for(handle, type, bits, form_of(kind, bits));
+    if (slot == no_slot) {
+        is_too_large_ = true;
+        return;
+    }
+    const auto mode = modes.find(name);
+    design_.add_signal(region, name, type, mode == modes.end() ? Mode::internal : mode->second,
+                       slot);
+}
+
+Form Declarations::form_of(PLI_INT32 kind, uint32_t width) const {
+    if (kind == vpiRealVar) {
+        return Form::real;
+    }
+    if (!traits_.offers_vectors) {
+        return Form::text;
+    }
+    return width == 1 ? Form::scalar : Form::vector;
+}
+
+const Type *Declarations::type_of(vpiHandle handle, PLI_INT32 kind, uint32_t width) {
+    if (kind == vpiRealVar) {
+        real_ = real_ == nullptr ? design_.types.real() : real_;
+        return real_;
+    }
+    const Type *bit = design_.types.std_logic();
+    if (width == 1) {
+        return bit;
+    }
+    int32_t left = static_cast<int32_t>(width - 1);
+    int32_t right = 0;
+    range_of(handle, &left, &right);
+    return design_.types.array(bit, left, right);
+}
+
+Slot Declarations::storage_for(vpiHandle handle, const Type *type, uint32_t width, Form form) {
+    const PLI_INT32 id =
+        form == Form::scalar && traits_.offers_net_ids ? vpi_get(net_id, handle) : 0;
+    if (id != 0) {
+        const auto known = nets_.find(id);
+        if (known != nets_.end()) {
+            return known->second;
+        }
+    }
+    const Slot slot = design_.new_storage(type);
+    if (slot != no_slot) {
+        objects_.push_back({.handle = handle, .slot = slot, .width = width, .form = form});
+        if (id != 0) {
+            nets_.emplace(id, slot);
+        }
+    }
+    return slot;
+}
+
+}  // namespace wf::vpi

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+// What is kept of each object of the simulator: its handle, and where its value goes.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "host/design/type.h"
+#include "host/source/vpi/interface.h"
+
+namespace wf::vpi {
+
+// How a value is asked for.
+enum class Form : uint8_t {
+    scalar,  // vpiScalarVal
+    vector,  // vpiVectorVal
+    text,    // vpiBinStrVal
+    real,    // vpiRealVal
+};
+
+struct Object {
+    vpiHandle handle;
+    Slot slot;       // of its leftmost bit
+    uint32_t width;  // in bits; of a real, the slots that it takes
+    Form form;
+    bool watched = false;  // its changes are sent
+    bool marked = false;   // it has changed in the present step and has not been read since
+};
+
+// In the order of their slots.
+using Objects = std::vector<Object>;
+
+// What tells the simulators apart.
+struct Traits {
+    bool offers_vectors;     // the formats vpiScalarVal and vpiVectorVal; else texts
+    bool offers_directions;  // of ports
+    bool offers_system_tasks;
+    bool offers_net_ids;  // the property by which Icarus tells nets that are one
+};
+
+}  // namespace wf::vpi

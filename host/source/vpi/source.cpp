@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+// Callbacks find the simulator through one pointer; what comes after its end finds none.
+#include "host/source/vpi/source.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "host/source/vpi/access.h"
+#include "host/source/vpi/declare.h"
+#include "host/source/vpi/values.h"
+
+namespace wf::vpi {
+namespace {
+
+Simulator *current = nullptr;
+
+PLI_INT32 value_changed(s_cb_data *data) {
+    if (current != nullptr) {
+        current->mark(*reinterpret_cast<Object *>(data->user_data));
+    }
+    return 0;
+}
+
+PLI_INT32 step_ends(s_cb_data *) {
+    if (current != nullptr) {
+        current->settle();
+    }
+    return 0;
+}
+
+Traits traits_of_simulator() {
+    s_vpi_vlog_info info{};
+    vpi_get_vlog_info(&info);
+    const std::string_view product = info.product == nullptr ? "" : info.product;
+    const bool is_ghdl = product == "GHDL";
+    return {.offers_vectors = !is_ghdl,
+            .offers_directions = !is_ghdl,
+            .offers_system_tasks = !is_ghdl,
+            .offers_net_ids = product.starts_with("Icarus")};
+}
+
+}  // namespace
+
+Simulator::Simulator() : traits_(traits_of_simulator()) {
+    current = this;
+}
+
+Simulator::~Simulator() {
+    current = nullptr;
+}
+
+std::string Simulator::load(Design &design) {
+    design.resolution_exponent = vpi_get(vpiTimePrecision, nullptr);
+    if (!Declarations(design, objects_, traits_).read()) {
+        return "expected a design of at most 4294967294 bits, got a larger one";
+    }
+    uint32_t widest = 0;
+    for (const Object &object : objects_) {
+        widest = std::max(widest, object.width);
+    }
+    bits_.resize(widest);
+    marked_.reserve(objects_.size());
+    return {};
+}
+
+void Simulator::attach(Kernel &kernel) {
+    kernel_ = &kernel;
+    kernel.supply_from(this);
+}
+
+void Simulator::settle(bool ends) {
+    kernel_->begin_step(time_now());
+    for (Object *object : marked_) {
+        object->marked = false;
+        read(*object);
+    }
+    marked_.clear();
+    if (ends) {
+        kernel_->finish_step();
+    }
+}
+
+void Simulator::mark(Object &object) {
+    if (object.marked) {
+        return;
+    }
+    object.marked = true;
+    marked_.push_back(&object);
+    if (marked_.size() == 1) {
+        call_back(cbReadOnlySynch, step_ends);
+    }
+}
+
+size_t Simulator::object_at(Slot slot) const {
+    const auto after =
+        std::upper_bound(objects_.begin(), objects_.end(), slot,
+                         [](Slot wanted, const Object &object) { return wanted < object.slot; });
+    return static_cast<size_t>(after - objects_.begin()) - 1;
+}
+
+void Simulator::wanted(Slot first, uint32_t count) {
+    for (size_t i = object_at(first); i < objects_.size() && objects_[i].slot < first + count;
+         ++i) {
+        if (!objects_[i].watched) {
+            read(objects_[i]);
+        }
+    }
+}
+
+void Simulator::watched(Slot slot) {
+    Object &object = objects_[object_at(slot)];
+    if (!object.watched) {
+        read(object);
+        watch(object);
+    }
+}
+
+void Simulator::watch(Object &object) {
+    s_vpi_time time{.type = vpiSuppressTime, .high = 0, .low = 0, .real = 0};
+    s_vpi_value value{.format = vpiSuppressVal, .value = {.integer = 0}};
+    s_cb_data request{};
+    request.reason = cbValueChange;
+    request.cb_rtn = value_changed;
+    request.obj = object.handle;
+    request.time = &time;
+    request.value = &value;
+    request.user_data = reinterpret_cast<char *>(&object);
+    object.watched = vpi_register_cb(&request) != nullptr;
+}
+
+void Simulator::read(Object &object) {
+    s_vpi_value value{.format = 0, .value = {.integer = 0}};
+    switch (object.form) {
+        case Form::scalar:
+            value.format = vpiScalarVal;
+            vpi_get_value(object.handle, &value);
+            kernel_->set_byte(object.slot, decode_scalar(value.value.scalar));
+            return;
+        case Form::vector:
+            value.format = vpiVectorVal;
+            vpi_get_value(object.handle, &value);
+            decode_vector(value.value.vector, object.width, bits_.data());
+            break;
+        case Form::text:
+            value.format = vpiBinStrVal;
+            vpi_get_value(object.handle, &value);
+            decode_text(value.value.str == nullptr ? "" : value.value.str, object.width,
+                        bits_.data());
+            break;
+        case Form::real:
+            value.format = vpiRealVal;
+            vpi_get_value(object.handle, &value);
+            kernel_->set_real(object.slot, value.value.real);
+            return;
+    }
+    kernel_->set_bytes(object.slot, bits_.data(), object.width);
+}
+
+}  // namespace wf::vpi

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+// A running simulator as the place a design and its events come from. It is no Source: time is the
+// simulator's, and its events come when they happen.
+//
+// A watched object has one value-change callback, which only marks it. The read-only
+// synchronisation at the end of the time step reads each marked object once, sets the kernel's
+// slots and finishes the step. An object that nobody watches is read when somebody asks.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/design/design.h"
+#include "host/kernel/kernel.h"
+#include "host/source/vpi/object.h"
+
+namespace wf::vpi {
+
+// One at a time in a process, from before the simulation starts to its end; calls are made from
+// inside the simulator's callbacks only.
+class Simulator final : public ValueSupply {
+  public:
+    Simulator();
+    ~Simulator();
+    Simulator(const Simulator &) = delete;
+    Simulator &operator=(const Simulator &) = delete;
+
+    // Reads the declarations into an empty `design`, its resolution included. Possible from the
+    // start of the simulation on. An empty text, or what is wrong.
+    std::string load(Design &design);
+    // Moves this kernel from now on; it has taken in the design's storage and outlives this.
+    void attach(Kernel &kernel);
+
+    // Moves the kernel to the simulator's time, with the values of the objects marked so far. The
+    // step that is now is finished with them when `ends` says so.
+    void settle(bool ends = true);
+
+    const Traits &traits() const { return traits_; }
+
+    // --- for the kernel ---
+    void wanted(Slot first, uint32_t count) override;
+    void watched(Slot slot) override;
+
+    // --- for the simulator's callbacks ---
+    void mark(Object &object);
+
+  private:
+    size_t object_at(Slot slot) const;
+    void watch(Object &object);
+    void read(Object &object);
+
+    Traits traits_;
+    Objects objects_;
+    std::vector<Object *> marked_;
+    std::vector<uint8_t> bits_;  // room for the widest object
+    Kernel *kernel_ = nullptr;
+};
+
+}  // namespace wf::vpi

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+// The simulator's exit status is its own affair; what can be had of it is asked for.
+#include "host/vpi/adapter.h"
+
+#include <tcl.h>
+
+#include <memory>
+
+#include "host/fli/plugins.h"
+#include "host/vpi/system_tasks.h"
+
+// Icarus Verilog's own function for the exit status; null elsewhere.
+extern "C" void vpip_set_return_value(int value) __attribute__((weak));
+
+namespace wf {
+namespace {
+
+constexpr int exit_error = 1;
+
+// The script as a coroutine of this name. Empty for none.
+constexpr const char *coroutine = "wattforge_script";
+
+std::string command_line(std::vector<const char *> words) {
+    char *list = Tcl_Merge(static_cast<int>(words.size()), words.data());
+    std::string line = list;
+    Tcl_Free(list);
+    return line;
+}
+
+}  // namespace
+
+Adapter::Adapter()
+    : transcript_(stdout),
+      kernel_(design_),
+      clock_(kernel_, design_.resolution_exponent, [this] { resume_script(); }),
+      session_(design_, kernel_, transcript_) {
+    transcript_.on_line([this](std::string_view line) { watch_.see(line); });
+}
+
+Adapter::~Adapter() {
+    transcript_.on_line({});
+}
+
+std::string Adapter::prepare(const Arguments &arguments, const std::string &folder,
+                             void (*task)(const std::string &line)) {
+    script_ = arguments.script;
+    if (arguments.trace) {
+        session_.trace_to_console();
+    }
+    std::string error = load_plugins(arguments, folder);
+    if (error.empty() && simulator_.traits().offers_system_tasks) {
+        for (const Command &command : session_.commands()) {
+            add_system_task(command.name, task);
+        }
+    }
+    return error;
+}
+
+std::string Adapter::load_plugins(const Arguments &arguments, const std::string &folder) {
+    std::vector<Plugin> plugins;
+    std::string error = choose_plugins(
+        arguments.foreign,
+        {.name = "+wf_foreign", .separator = ':', .folders = {folder, WATTFORGE_LIBDIR}}, &plugins);
+    for (size_t i = 0; error.empty() && i < plugins.size(); ++i) {
+        error = session_.load_plugin(plugins[i].function, plugins[i].library);
+    }
+    return error;
+}
+
+std::string Adapter::read_design() {
+    std::string error = simulator_.load(design_);
+    kernel_.sync();
+    simulator_.attach(kernel_);
+    return error;
+}
+
+void Adapter::start_script() {
+    simulator_.settle();
+    script_started_ = true;
+    if (script_.empty()) {
+        return;
+    }
+    shell_.emplace(Simulation{session_, clock_, transcript_});
+    run_part(command_line({"coroutine", coroutine, "do", script_.c_str()}));
+}
+
+void Adapter::resume_script() {
+    simulator_.settle();
+    clock_.stop_waiting();
+    run_part(coroutine);
+}
+
+void Adapter::run_part(const std::string &commands) {
+    switch (shell_->run_text(commands, {})) {
+        case ScriptEnd::done:
+            return;
+        case ScriptEnd::quit:
+            end_simulation(shell_->quit_code());
+            return;
+        case ScriptEnd::failed:
+        case ScriptEnd::interrupted:
+            end_simulation(exit_error);
+            return;
+    }
+}
+
+void Adapter::run_task(const std::string &line) {
+    simulator_.settle();
+    session_.run_command(line.substr(0, line.find(' ')), line);
+}
+
+void Adapter::end_simulation(int status) {
+    clock_.stop_waiting();
+    status_ = status;
+    if (vpip_set_return_value != nullptr) {
+        vpip_set_return_value(status);
+    }
+    if (!ended_) {
+        vpi_control(vpiFinish, 0);
+    }
+}
+
+void Adapter::finish() {
+    ended_ = true;
+    clock_.end();
+    simulator_.settle();
+    if (!script_started_) {
+        start_script();
+    } else if (clock_.is_waiting()) {
+        resume_script();
+    }
+    shell_.reset();
+    if (watch_.window_open) {
+        transcript_.print(
+            "Warning: the counting window is still open at the end; it is in no report");
+    }
+    session_.quit();
+}
+
+}  // namespace wf

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+// A simulator of our own inside another one: design, kernel, session and shell, put together when
+// the simulator loads its modules and taken apart when the simulation ends.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "host/design/design.h"
+#include "host/fli/session.h"
+#include "host/kernel/kernel.h"
+#include "host/shell/message_watch.h"
+#include "host/shell/shell.h"
+#include "host/shell/transcript.h"
+#include "host/source/vpi/source.h"
+#include "host/vpi/arguments.h"
+#include "host/vpi/script_clock.h"
+
+namespace wf {
+
+// Order of calls: prepare while the simulator loads its modules, begin at the start of the
+// simulation, then the simulator calls back; finish at its end.
+class Adapter {
+  public:
+    Adapter();
+    Adapter(const Adapter &) = delete;
+    Adapter &operator=(const Adapter &) = delete;
+    ~Adapter();
+
+    // Loads the plug-ins and offers their commands as system tasks that call `task`. Empty, or what
+    // is wrong.
+    std::string prepare(const Arguments &arguments, const std::string &folder,
+                        void (*task)(const std::string &line));
+    // Reads the design. Empty, or what is wrong.
+    std::string read_design();
+    // Runs the script's first part; time 0 has settled.
+    void start_script();
+    // Runs a command of the plug-in for a system task, inside a time step.
+    void run_task(const std::string &line);
+    // What is left of the script, then the end of the plug-ins.
+    void finish();
+
+    // The exit status to be asked of the simulator.
+    int status() const { return status_; }
+
+  private:
+    std::string load_plugins(const Arguments &arguments, const std::string &folder);
+    void resume_script();
+    void run_part(const std::string &commands);
+    void end_simulation(int status);
+
+    Transcript transcript_;
+    MessageWatch watch_;
+    Design design_;
+    vpi::Simulator simulator_;
+    Kernel kernel_;
+    ScriptClock clock_;
+    Session session_;
+    std::optional<Shell> shell_;
+    std::string script_;
+    int status_ = 0;
+    bool script_started_ = false;
+    bool ended_ = false;
+};
+
+}  // namespace wf
