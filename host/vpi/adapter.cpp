@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The simulator's exit status is its own affair; what can be had of it is asked for.
+// The parts of the module, in the order in which the simulation needs them.
 #include "host/vpi/adapter.h"
 
 #include <tcl.h>
@@ -7,10 +7,8 @@
 #include <memory>
 
 #include "host/fli/plugins.h"
+#include "host/source/vpi/access.h"
 #include "host/vpi/system_tasks.h"
-
-// Icarus Verilog's own function for the exit status; null elsewhere.
-extern "C" void vpip_set_return_value(int value) __attribute__((weak));
 
 namespace wf {
 namespace {
@@ -19,6 +17,11 @@ constexpr int exit_error = 1;
 
 // The script as a coroutine of this name. Empty for none.
 constexpr const char *coroutine = "wattforge_script";
+
+PLI_INT32 finish_simulation(s_cb_data *) {
+    vpi_control(vpiFinish, 0);
+    return 0;
+}
 
 std::string command_line(std::vector<const char *> words) {
     char *list = Tcl_Merge(static_cast<int>(words.size()), words.data());
@@ -71,6 +74,9 @@ std::string Adapter::read_design() {
     std::string error = simulator_.load(design_);
     kernel_.sync();
     simulator_.attach(kernel_);
+    if (simulator_.traits().shortcomings != nullptr) {
+        transcript_.print(simulator_.traits().shortcomings);
+    }
     return error;
 }
 
@@ -112,11 +118,10 @@ void Adapter::run_task(const std::string &line) {
 void Adapter::end_simulation(int status) {
     clock_.stop_waiting();
     status_ = status;
-    if (vpip_set_return_value != nullptr) {
-        vpip_set_return_value(status);
-    }
-    if (!ended_) {
+    if (!ended_ && simulator_.traits().finishes_anywhere) {
         vpi_control(vpiFinish, 0);
+    } else if (!ended_) {
+        vpi::call_back(cbAfterDelay, finish_simulation);
     }
 }
 

@@ -41,7 +41,7 @@ class Adapter {
     // What is left of the script, then the end of the plug-ins.
     void finish();
 
-    // The exit status to be asked of the simulator.
+    // The exit status that the script's end asks for: 0, 1 after an error, or quit's.
     int status() const { return status_; }
 
   private:

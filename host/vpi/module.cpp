@@ -17,6 +17,9 @@
 #include "host/vpi/adapter.h"
 #include "host/vpi/arguments.h"
 
+// Icarus Verilog's own; null elsewhere.
+extern "C" void vpip_set_return_value(int value) __attribute__((weak));
+
 namespace wf {
 namespace {
 
@@ -101,10 +104,28 @@ PLI_INT32 simulation_starts(s_cb_data *) {
     return 0;
 }
 
+// Icarus Verilog takes a status to exit with. GHDL takes none, but has nothing left to do that
+// leaving the process here would not do.
+void ask_for_status(int status) {
+    if (status == 0) {
+        return;
+    }
+    if (vpip_set_return_value != nullptr) {
+        vpip_set_return_value(status);
+    } else {
+        std::exit(status);
+    }
+}
+
 PLI_INT32 simulation_ends(s_cb_data *) {
-    guarded([](Adapter &self) { self.finish(); });
+    int status = 0;
+    guarded([&status](Adapter &self) {
+        self.finish();
+        status = self.status();
+    });
     adapter.reset();
     Tcl_Finalize();
+    ask_for_status(status);
     return 0;
 }
 

@@ -2,6 +2,7 @@
 // The walk of the scopes, and the giving out of storage.
 #include "host/source/vpi/declare.h"
 
+#include <cstdlib>
 #include <optional>
 
 #include "host/source/vpi/access.h"
@@ -111,6 +112,9 @@ void Declarations::declare(Region *region, vpiHandle handle, const Modes &modes)
     const std::string name = text_of(vpiName, handle);
     const auto bits = static_cast<uint32_t>(width);
     const Type *type = type_of(handle, kind, bits);
+    if (type == nullptr) {
+        return;
+    }
     const Slot slot = storage_for(handle, type, bits, form_of(kind, bits));
     if (slot == no_slot) {
         is_too_large_ = true;
@@ -137,13 +141,18 @@ const Type *Declarations::type_of(vpiHandle handle, PLI_INT32 kind, uint32_t wid
         return real_;
     }
     const Type *bit = design_.types.std_logic();
-    if (width == 1) {
-        return bit;
-    }
-    int32_t left = static_cast<int32_t>(width - 1);
+    int32_t left = 0;
     int32_t right = 0;
-    range_of(handle, &left, &right);
-    return design_.types.array(bit, left, right);
+    const bool has_range = range_of(handle, &left, &right);
+    if (has_range && std::abs(int64_t{left} - right) + 1 == width) {
+        return width == 1 && left == 0 ? bit : design_.types.array(bit, left, right);
+    }
+    // GHDL shows an enumeration as eight bits and an integer as 32, both with the range [0:0].
+    constexpr uint32_t enumeration_width = 8;
+    if (has_range && width == enumeration_width) {
+        return nullptr;
+    }
+    return width == 1 ? bit : design_.types.array(bit, static_cast<int32_t>(width - 1), 0);
 }
 
 Slot Declarations::storage_for(vpiHandle handle, const Type *type, uint32_t width, Form form) {

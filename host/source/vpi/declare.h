@@ -4,6 +4,8 @@
 //
 // - An object of one bit is a std_logic, one of several bits an array of it with its own range,
 //   [width-1:0] when the simulator tells none. Two-state variables look the same.
+// - A vector of one bit whose index is 0 is taken for a bit, since the dump does not tell them
+// apart.
 // - Nets of one bit that the simulator says are one share storage, and are asked for once.
 // - A port's direction is that of the module's port of the same name.
 // - Named events, parameters, strings and memories are no signals: the dump has none of them unless
@@ -35,6 +37,7 @@ class Declarations {
     void declare_objects(Region *region, vpiHandle scope);
     void declare(Region *region, vpiHandle handle, const Modes &modes);
     Modes port_modes(vpiHandle scope) const;
+    // Null for what the dump does not have.
     const Type *type_of(vpiHandle handle, PLI_INT32 kind, uint32_t width);
     Slot storage_for(vpiHandle handle, const Type *type, uint32_t width, Form form);
     Form form_of(PLI_INT32 kind, uint32_t width) const;

@@ -32,10 +32,13 @@ using Objects = std::vector<Object>;
 
 // What tells the simulators apart.
 struct Traits {
+    const char
+        *shortcomings;       // what the simulator does not show; null when there is nothing to say
     bool offers_vectors;     // the formats vpiScalarVal and vpiVectorVal; else texts
     bool offers_directions;  // of ports
-    bool offers_system_tasks;
-    bool offers_net_ids;  // the property by which Icarus tells nets that are one
+    bool offers_system_tasks;  // further ones, registered by modules
+    bool offers_net_ids;       // the property by which Icarus tells nets that are one
+    bool finishes_anywhere;    // else only in a cbAfterDelay callback
 };
 
 }  // namespace wf::vpi

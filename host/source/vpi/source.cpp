@@ -28,15 +28,22 @@ PLI_INT32 step_ends(s_cb_data *) {
     return 0;
 }
 
+constexpr const char *ghdl_shortcomings =
+    "Note: GHDL shows its modules no directions of ports and no packages, and no signals of "
+    "record, "
+    "enumeration, real, time or nested array types; they are not recorded";
+
 Traits traits_of_simulator() {
     s_vpi_vlog_info info{};
     vpi_get_vlog_info(&info);
     const std::string_view product = info.product == nullptr ? "" : info.product;
     const bool is_ghdl = product == "GHDL";
-    return {.offers_vectors = !is_ghdl,
+    return {.shortcomings = is_ghdl ? ghdl_shortcomings : nullptr,
+            .offers_vectors = !is_ghdl,
             .offers_directions = !is_ghdl,
             .offers_system_tasks = !is_ghdl,
-            .offers_net_ids = product.starts_with("Icarus")};
+            .offers_net_ids = product.starts_with("Icarus"),
+            .finishes_anywhere = !is_ghdl};
 }
 
 }  // namespace
