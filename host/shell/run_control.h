@@ -40,6 +40,9 @@ class RunControl {
     // What the last run came to, for a script that was suspended.
     virtual RunEnd result() const = 0;
 
+    // What a run meets when there is nothing further to simulate.
+    virtual const char *end_name() const { return "the end of the data"; }
+
     // `file:line: expected X, got Y` once a run has ended `damaged`, else empty.
     virtual std::string damage() const = 0;
 };

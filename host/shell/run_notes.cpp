@@ -15,8 +15,8 @@ void RunNotes::tell(RunEnd end, Ticks limit) {
     const bool short_of_limit = limit != run_to_end && control_.now() < limit;
     if (at_end && (short_of_limit || end == RunEnd::damaged)) {
         transcript_.print("Note: run stopped at " +
-                          format_time(control_.now(), control_.resolution_exponent()) +
-                          ", the end of the data");
+                          format_time(control_.now(), control_.resolution_exponent()) + ", " +
+                          control_.end_name());
     }
 }
 

@@ -23,6 +23,7 @@ class ScriptClock final : public RunControl {
     int resolution_exponent() const override { return resolution_exponent_; }
     RunEnd start(Ticks limit) override;
     RunEnd result() const override { return result_; }
+    const char *end_name() const override { return "the end of the simulation"; }
     std::string damage() const override { return {}; }
 
     // Whether the script waits in `run`.
