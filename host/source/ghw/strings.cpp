@@ -15,7 +15,7 @@ bool is_text(char character) {
 
 std::string_view Strings::at(uint32_t number) const {
     if (number == 0) {
-        return {};
+        return "";
     }
     const std::size_t begin = number == 1 ? 0 : ends_[number - 2];
     return std::string_view(text_).substr(begin, ends_[number - 1] - begin);
