@@ -16,7 +16,7 @@ class Strings {
   public:
     // Limits that no design meets, so that a few damaged bytes cannot fill the memory: strings
     // share their beginnings with the one before.
-    static constexpr std::size_t longest = 16384;
+    static constexpr std::size_t longest = 4096;
     static constexpr std::size_t largest = std::size_t{1} << 28;
 
     // Reads the section behind its tag.

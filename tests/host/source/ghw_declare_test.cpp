@@ -200,7 +200,7 @@ TEST(GhwDeclare, RefusesWhatMakesNoSenseInOneMessage) {
         {GhwBytes(start).section("STR").word(UINT32_MAX).word(0).text("a"),
          "33, section STR: expected the end of a string, got end of file"},
         {GhwBytes(start).section("STR").word(1).word(0).text(std::string(20000, 'a')),
-         "16417, section STR: expected a string of at most 16384 characters, got a longer one"},
+         "4129, section STR: expected a string of at most 4096 characters, got a longer one"},
         {with_types({99}), "76, section TYP: expected the kind of a type, got 99"},
         {with_types({36}), "76, section TYP: expected the kind of a type, got 36"},
         {with_types({24, 1}),
