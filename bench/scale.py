@@ -62,6 +62,15 @@ quit
 PHASES = ("register", "open", "replay", "close", "report", "quit")
 
 
+def code(number):
+    """Identifier codes as simulators count them: base 94, the lowest digit first."""
+    text = chr(33 + number % 94)
+    while number := number // 94:
+        number -= 1
+        text += chr(33 + number % 94)
+    return text
+
+
 class Writer:
     """Writes the waveform's declarations; signals are numbered in the order of declaration."""
 
@@ -73,7 +82,7 @@ class Writer:
         """Full names of NAME_LENGTH characters, or as short as they can be below a long path."""
         width = max(NAME_LENGTH - path_length - 1, 8)
         self.file.writelines(
-            f"$var wire 1 {number:x} {'s' + str(number).rjust(width - 1, '_')} $end\n"
+            f"$var wire 1 {code(number)} {'s' + str(number).rjust(width - 1, '_')} $end\n"
             for number in range(self.count, self.count + count))
         self.count += count
 
@@ -112,7 +121,7 @@ def make_waveform(path, shape, bits):
         stride = max(writer.count // SIGNALS_PER_STEP, 1)
         for step in range(STEPS):
             file.write(f"#{step * 10}\n")
-            file.writelines(f"{(step + number) % 2}{number:x}\n"
+            file.writelines(f"{(step + number) % 2}{code(number)}\n"
                             for number in range(step % stride, writer.count, stride))
         file.write(f"#{STEPS * 10}\n")
     return writer.count
