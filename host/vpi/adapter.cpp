@@ -47,6 +47,7 @@ Adapter::~Adapter() {
 std::string Adapter::prepare(const Arguments &arguments, const std::string &folder,
                              void (*task)(const std::string &line)) {
     script_ = arguments.script;
+    memory_limit_ = arguments.memory_limit;
     if (arguments.trace) {
         session_.trace_to_console();
     }
@@ -71,11 +72,11 @@ std::string Adapter::load_plugins(const Arguments &arguments, const std::string 
 }
 
 std::string Adapter::read_design() {
-    std::string error = simulator_.load(design_);
+    std::string error = simulator_.load(design_, memory_limit_);
     kernel_.sync();
     simulator_.attach(kernel_);
-    if (simulator_.traits().shortcomings != nullptr) {
-        transcript_.print(simulator_.traits().shortcomings);
+    for (const std::string &note : simulator_.notes()) {
+        transcript_.print(note);
     }
     return error;
 }

@@ -59,6 +59,7 @@ class Adapter {
     Session session_;
     std::optional<Shell> shell_;
     std::string script_;
+    uint64_t memory_limit_ = 0;
     int status_ = 0;
     bool script_started_ = false;
     bool ended_ = false;

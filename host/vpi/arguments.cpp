@@ -2,6 +2,7 @@
 // Plusargs are one word each: +wf_name or +wf_name=value.
 #include "host/vpi/arguments.h"
 
+#include <charconv>
 #include <string_view>
 
 namespace wf {
@@ -13,8 +14,16 @@ std::string take_argument(std::string_view name, std::string_view value, bool ha
         arguments->trace = true;
         return {};
     }
+    if (name == "+wf_memory") {
+        const char *end = value.data() + value.size();
+        const auto read = std::from_chars(value.data(), end, arguments->memory_limit);
+        return !value.empty() && read.ec == std::errc() && read.ptr == end
+                   ? ""
+                   : "expected a number of bits";
+    }
     if (name != "+wf_do" && name != "+wf_foreign") {
-        return "unknown argument; there are +wf_do=FILE, +wf_foreign=FUNCTION:LIBRARY, +wf_trace";
+        return "unknown argument; there are +wf_do=FILE, +wf_foreign=FUNCTION:LIBRARY, "
+               "+wf_memory=BITS, +wf_trace";
     }
     if (value.empty()) {
         return "expected a value after " + std::string(name) + "=";

@@ -3,6 +3,7 @@
 // Opens nothing, needs no simulator.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@ struct Arguments {
     std::string script;                // +wf_do=FILE, else WF_DO; empty: none
     std::vector<std::string> foreign;  // +wf_foreign=FUNCTION:LIBRARY each
     bool trace = false;                // +wf_trace
+    uint64_t memory_limit = 65536;     // +wf_memory=BITS
 };
 
 // Reads the words of the simulator's command line, of which only those that begin with +wf_ count;

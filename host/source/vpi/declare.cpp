@@ -51,6 +51,21 @@ bool is_declared(PLI_INT32 kind) {
     }
 }
 
+// A word's kind does not say what it holds; the format in which its value comes unasked does.
+bool is_real(vpiHandle word) {
+    s_vpi_value value{.format = vpiObjTypeVal, .value = {.integer = 0}};
+    vpi_get_value(word, &value);
+    return value.format == vpiRealVal;
+}
+
+// Before the simulation starts, nothing has been assigned: what is not X has two states only. No
+// property tells.
+bool starts_known(vpiHandle word) {
+    s_vpi_value value{.format = vpiVectorVal, .value = {.integer = 0}};
+    vpi_get_value(word, &value);
+    return (value.value.vector->bval & 1U) == 0;
+}
+
 Mode mode_of(PLI_INT32 direction) {
     switch (direction) {
         case vpiInput:
@@ -90,6 +105,63 @@ void Declarations::declare_objects(Region *region, vpiHandle scope) {
     const Modes modes = port_modes(scope);
     for (const PLI_INT32 relation : {vpiNet, vpiReg, vpiVariables}) {
         for_each(relation, scope, [&](vpiHandle handle) { declare(region, handle, modes); });
+    }
+    if (traits_.offers_memories) {
+        for_each(vpiMemory, scope, [&](vpiHandle handle) { declare_memory(region, handle); });
+    }
+}
+
+void Declarations::declare_memory(Region *region, vpiHandle handle) {
+    int32_t left = 0;
+    int32_t right = 0;
+    if (vpi_get(vpiType, handle) != vpiMemory || !range_of(handle, &left, &right)) {
+        return;
+    }
+    vpiHandle word = vpi_handle_by_index(handle, left);
+    if (word == nullptr || is_real(word)) {
+        return;
+    }
+    const std::string name = text_of(vpiName, handle);
+    const auto width = static_cast<uint32_t>(vpi_get(vpiSize, word));
+    const uint64_t words = static_cast<uint64_t>(std::abs(int64_t{left} - right)) + 1;
+    if (starts_known(word) || words * width > memory_limit_) {
+        leave_out(region, name, starts_known(word) ? two_state_arrays_ : large_memories_);
+        return;
+    }
+    const Type *element = type_of(word, vpiReg, width);
+    const Type *type = design_.types.array(element, left, right);
+    const Slot slot = type == nullptr ? no_slot : design_.new_storage(type);
+    if (slot == no_slot) {
+        is_too_large_ = true;
+        return;
+    }
+    design_.add_signal(region, name, type, Mode::internal, slot);
+    declare_words(handle, left, right, slot, width);
+}
+
+void Declarations::declare_words(vpiHandle handle, int32_t left, int32_t right, Slot slot,
+                                 uint32_t width) {
+    const auto number = static_cast<uint32_t>(objects_.memories.size());
+    objects_.memories.push_back({.handle = handle,
+                                 .left = left,
+                                 .right = right,
+                                 .first_word = static_cast<uint32_t>(objects_.list.size())});
+    const int32_t step = left <= right ? 1 : -1;
+    for (int32_t index = left;; index += step, slot += width) {
+        objects_.list.push_back({.handle = vpi_handle_by_index(handle, index),
+                                 .slot = slot,
+                                 .width = width,
+                                 .memory = number,
+                                 .form = form_of(vpiReg, width)});
+        if (index == right) {
+            return;
+        }
+    }
+}
+
+void Declarations::leave_out(Region *region, const std::string &name, LeftOut &list) {
+    if (list.count++ == 0) {
+        list.first = design_.full_name(region) + "/" + name;
     }
 }
 
@@ -166,7 +238,8 @@ Slot Declarations::storage_for(vpiHandle handle, const Type *type, uint32_t widt
     }
     const Slot slot = design_.new_storage(type);
     if (slot != no_slot) {
-        objects_.push_back({.handle = handle, .slot = slot, .width = width, .form = form});
+        objects_.list.push_back(
+            {.handle = handle, .slot = slot, .width = width, .memory = no_memory, .form = form});
         if (id != 0) {
             nets_.emplace(id, slot);
         }

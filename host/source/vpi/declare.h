@@ -8,8 +8,11 @@
 // apart.
 // - Nets of one bit that the simulator says are one share storage, and are asked for once.
 // - A port's direction is that of the module's port of the same name.
-// - Named events, parameters, strings and memories are no signals: the dump has none of them unless
-//   asked for by name.
+// - A memory is an array of its words, each of which is read by itself; one that is too large is
+//   left out, and so are arrays of two-state variables: Icarus Verilog 11 crashes when it is asked
+//   to send their changes. A dump has words only when they are named in it.
+// - Named events, parameters, strings and arrays of nets and of reals are no signals, nor are they
+//   in a dump.
 #pragma once
 
 #include <cstdint>
@@ -23,12 +26,21 @@ namespace wf::vpi {
 
 class Declarations {
   public:
-    // Fills `design` and `objects`, which outlive this.
-    Declarations(Design &design, Objects &objects, const Traits &traits)
-        : design_(design), objects_(objects), traits_(traits) {}
+    // Fills `design` and `objects`, which outlive this. Memories of more bits than `memory_limit`
+    // are left out.
+    Declarations(Design &design, Objects &objects, const Traits &traits, uint64_t memory_limit)
+        : design_(design), objects_(objects), traits_(traits), memory_limit_(memory_limit) {}
 
     // Reads all of the hierarchy. False: the design is too large for its storage.
     bool read();
+
+    // Objects of one kind that were left out though a dump can have them: how many, and the first.
+    struct LeftOut {
+        uint32_t count = 0;
+        std::string first;
+    };
+    const LeftOut &large_memories() const { return large_memories_; }
+    const LeftOut &two_state_arrays() const { return two_state_arrays_; }
 
   private:
     using Modes = std::unordered_map<std::string, Mode>;
@@ -36,6 +48,9 @@ class Declarations {
     void declare_scope(Region *parent, vpiHandle scope);
     void declare_objects(Region *region, vpiHandle scope);
     void declare(Region *region, vpiHandle handle, const Modes &modes);
+    void declare_memory(Region *region, vpiHandle handle);
+    void declare_words(vpiHandle handle, int32_t left, int32_t right, Slot slot, uint32_t width);
+    void leave_out(Region *region, const std::string &name, LeftOut &list);
     Modes port_modes(vpiHandle scope) const;
     // Null for what the dump does not have.
     const Type *type_of(vpiHandle handle, PLI_INT32 kind, uint32_t width);
@@ -45,6 +60,9 @@ class Declarations {
     Design &design_;
     Objects &objects_;
     Traits traits_;
+    uint64_t memory_limit_;
+    LeftOut large_memories_;
+    LeftOut two_state_arrays_;
     std::unordered_map<PLI_INT32, Slot> nets_;  // one-bit nets by the simulator's number
     const Type *real_ = nullptr;
     bool is_too_large_ = false;

@@ -18,7 +18,6 @@ constexpr PLI_INT32 vpiConstant = 7;
 constexpr PLI_INT32 vpiFunction = 20;
 constexpr PLI_INT32 vpiIntegerVar = 25;
 constexpr PLI_INT32 vpiMemory = 29;
-constexpr PLI_INT32 vpiMemoryWord = 30;
 constexpr PLI_INT32 vpiModule = 32;
 constexpr PLI_INT32 vpiNamedBegin = 33;
 constexpr PLI_INT32 vpiNamedFork = 35;
@@ -29,7 +28,6 @@ constexpr PLI_INT32 vpiRealVar = 47;
 constexpr PLI_INT32 vpiReg = 48;
 constexpr PLI_INT32 vpiTask = 59;
 constexpr PLI_INT32 vpiTimeVar = 63;
-constexpr PLI_INT32 vpiNetArray = 114;
 constexpr PLI_INT32 vpiGenScope = 134;
 constexpr PLI_INT32 vpiPackage = 600;
 constexpr PLI_INT32 vpiLongIntVar = 610;
@@ -67,6 +65,7 @@ constexpr PLI_INT32 vpiIntVal = 6;
 constexpr PLI_INT32 vpiRealVal = 7;
 constexpr PLI_INT32 vpiStringVal = 8;
 constexpr PLI_INT32 vpiVectorVal = 9;
+constexpr PLI_INT32 vpiObjTypeVal = 12;
 constexpr PLI_INT32 vpiSuppressVal = 13;
 
 // 32 bits of a vector, the rightmost first; (aval, bval) 00: 0, 10: 1, 01: Z, 11: X.

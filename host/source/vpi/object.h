@@ -20,15 +20,28 @@ enum class Form : uint8_t {
 
 struct Object {
     vpiHandle handle;
-    Slot slot;       // of its leftmost bit
-    uint32_t width;  // in bits; of a real, the slots that it takes
+    Slot slot;        // of its leftmost bit
+    uint32_t width;   // in bits; of a real, the slots that it takes
+    uint32_t memory;  // number of the memory that it is a word of, else no_memory
     Form form;
     bool watched = false;  // its changes are sent
     bool marked = false;   // it has changed in the present step and has not been read since
 };
 
-// In the order of their slots.
-using Objects = std::vector<Object>;
+constexpr uint32_t no_memory = UINT32_MAX;
+
+// A memory sends its changes as a whole, with the index of the word.
+struct Memory {
+    vpiHandle handle;
+    int32_t left;  // its range
+    int32_t right;
+    uint32_t first_word;  // the number of its first object, that of the index `left`
+};
+
+struct Objects {
+    std::vector<Object> list;  // in the order of their slots
+    std::vector<Memory> memories;
+};
 
 // What tells the simulators apart.
 struct Traits {
@@ -36,6 +49,7 @@ struct Traits {
         *shortcomings;       // what the simulator does not show; null when there is nothing to say
     bool offers_vectors;     // the formats vpiScalarVal and vpiVectorVal; else texts
     bool offers_directions;  // of ports
+    bool offers_memories;    // as such, with their words
     bool offers_system_tasks;  // further ones, registered by modules
     bool offers_net_ids;       // the property by which Icarus tells nets that are one
     bool finishes_anywhere;    // else only in a cbAfterDelay callback

@@ -3,10 +3,10 @@
 #include "host/source/vpi/source.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <string_view>
 
 #include "host/source/vpi/access.h"
-#include "host/source/vpi/declare.h"
 #include "host/source/vpi/values.h"
 
 namespace wf::vpi {
@@ -17,6 +17,13 @@ Simulator *current = nullptr;
 PLI_INT32 value_changed(s_cb_data *data) {
     if (current != nullptr) {
         current->mark(*reinterpret_cast<Object *>(data->user_data));
+    }
+    return 0;
+}
+
+PLI_INT32 word_changed(s_cb_data *data) {
+    if (current != nullptr) {
+        current->mark_word(*reinterpret_cast<const Memory *>(data->user_data), data->index);
     }
     return 0;
 }
@@ -33,6 +40,20 @@ constexpr const char *ghdl_shortcomings =
     "record, "
     "enumeration, real, time or nested array types; they are not recorded";
 
+// Has the simulator call `function(data)` at every change of the object. False when it refuses.
+bool send_changes(vpiHandle handle, Callback function, void *data) {
+    s_vpi_time time{.type = vpiSuppressTime, .high = 0, .low = 0, .real = 0};
+    s_vpi_value value{.format = vpiSuppressVal, .value = {.integer = 0}};
+    s_cb_data request{};
+    request.reason = cbValueChange;
+    request.cb_rtn = function;
+    request.obj = handle;
+    request.time = &time;
+    request.value = &value;
+    request.user_data = static_cast<char *>(data);
+    return vpi_register_cb(&request) != nullptr;
+}
+
 Traits traits_of_simulator() {
     s_vpi_vlog_info info{};
     vpi_get_vlog_info(&info);
@@ -41,6 +62,7 @@ Traits traits_of_simulator() {
     return {.shortcomings = is_ghdl ? ghdl_shortcomings : nullptr,
             .offers_vectors = !is_ghdl,
             .offers_directions = !is_ghdl,
+            .offers_memories = !is_ghdl,
             .offers_system_tasks = !is_ghdl,
             .offers_net_ids = product.starts_with("Icarus"),
             .finishes_anywhere = !is_ghdl};
@@ -56,18 +78,33 @@ Simulator::~Simulator() {
     current = nullptr;
 }
 
-std::string Simulator::load(Design &design) {
+std::string Simulator::load(Design &design, uint64_t memory_limit) {
     design.resolution_exponent = vpi_get(vpiTimePrecision, nullptr);
-    if (!Declarations(design, objects_, traits_).read()) {
+    Declarations declarations(design, objects_, traits_, memory_limit);
+    if (!declarations.read()) {
         return "expected a design of at most 4294967294 bits, got a larger one";
     }
+    if (traits_.shortcomings != nullptr) {
+        notes_.emplace_back(traits_.shortcomings);
+    }
+    note_left_out("memories of more than " + std::to_string(memory_limit) + " bits",
+                  declarations.large_memories());
+    note_left_out("arrays of two-state variables", declarations.two_state_arrays());
     uint32_t widest = 0;
-    for (const Object &object : objects_) {
+    for (const Object &object : objects_.list) {
         widest = std::max(widest, object.width);
     }
     bits_.resize(widest);
-    marked_.reserve(objects_.size());
+    marked_.reserve(objects_.list.size());
     return {};
+}
+
+void Simulator::note_left_out(const std::string &what, const Declarations::LeftOut &left_out) {
+    if (left_out.count != 0) {
+        notes_.push_back(
+            "Note: " + what + " are not recorded: " + left_out.first +
+            (left_out.count == 1 ? "" : " and " + std::to_string(left_out.count - 1) + " more"));
+    }
 }
 
 void Simulator::attach(Kernel &kernel) {
@@ -98,41 +135,55 @@ void Simulator::mark(Object &object) {
     }
 }
 
+void Simulator::mark_word(const Memory &memory, int32_t index) {
+    const auto [lowest, highest] = std::minmax(memory.left, memory.right);
+    if (index >= lowest && index <= highest) {
+        mark(objects_.list[memory.first_word + std::abs(index - memory.left)]);
+    }
+}
+
 size_t Simulator::object_at(Slot slot) const {
+    const std::vector<Object> &list = objects_.list;
     const auto after =
-        std::upper_bound(objects_.begin(), objects_.end(), slot,
+        std::upper_bound(list.begin(), list.end(), slot,
                          [](Slot wanted, const Object &object) { return wanted < object.slot; });
-    return static_cast<size_t>(after - objects_.begin()) - 1;
+    return static_cast<size_t>(after - list.begin()) - 1;
 }
 
 void Simulator::wanted(Slot first, uint32_t count) {
-    for (size_t i = object_at(first); i < objects_.size() && objects_[i].slot < first + count;
-         ++i) {
-        if (!objects_[i].watched) {
-            read(objects_[i]);
+    std::vector<Object> &list = objects_.list;
+    for (size_t i = object_at(first); i < list.size() && list[i].slot < first + count; ++i) {
+        if (!list[i].watched) {
+            read(list[i]);
         }
     }
 }
 
 void Simulator::watched(Slot slot) {
-    Object &object = objects_[object_at(slot)];
-    if (!object.watched) {
-        read(object);
+    Object &object = objects_.list[object_at(slot)];
+    if (object.watched) {
+        return;
+    }
+    if (object.memory == no_memory) {
         watch(object);
+    } else {
+        watch_memory(objects_.memories[object.memory]);
     }
 }
 
 void Simulator::watch(Object &object) {
-    s_vpi_time time{.type = vpiSuppressTime, .high = 0, .low = 0, .real = 0};
-    s_vpi_value value{.format = vpiSuppressVal, .value = {.integer = 0}};
-    s_cb_data request{};
-    request.reason = cbValueChange;
-    request.cb_rtn = value_changed;
-    request.obj = object.handle;
-    request.time = &time;
-    request.value = &value;
-    request.user_data = reinterpret_cast<char *>(&object);
-    object.watched = vpi_register_cb(&request) != nullptr;
+    read(object);
+    object.watched = send_changes(object.handle, value_changed, &object);
+}
+
+void Simulator::watch_memory(Memory &memory) {
+    const bool watched = send_changes(memory.handle, word_changed, &memory);
+    const uint32_t words = static_cast<uint32_t>(std::abs(memory.left - memory.right)) + 1;
+    for (uint32_t i = 0; i < words; ++i) {
+        Object &word = objects_.list[memory.first_word + i];
+        read(word);
+        word.watched = watched;
+    }
 }
 
 void Simulator::read(Object &object) {

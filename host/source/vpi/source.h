@@ -13,6 +13,7 @@
 
 #include "host/design/design.h"
 #include "host/kernel/kernel.h"
+#include "host/source/vpi/declare.h"
 #include "host/source/vpi/object.h"
 
 namespace wf::vpi {
@@ -27,8 +28,11 @@ class Simulator final : public ValueSupply {
     Simulator &operator=(const Simulator &) = delete;
 
     // Reads the declarations into an empty `design`, its resolution included. Possible from the
-    // start of the simulation on. An empty text, or what is wrong.
-    std::string load(Design &design);
+    // start of the simulation on. Memories of more than `memory_limit` bits are left out. An empty
+    // text, or what is wrong.
+    std::string load(Design &design, uint64_t memory_limit);
+    // What is not in the design and might be missed, one line each.
+    const std::vector<std::string> &notes() const { return notes_; }
     // Moves this kernel from now on; it has taken in the design's storage and outlives this.
     void attach(Kernel &kernel);
 
@@ -44,14 +48,18 @@ class Simulator final : public ValueSupply {
 
     // --- for the simulator's callbacks ---
     void mark(Object &object);
+    void mark_word(const Memory &memory, int32_t index);
 
   private:
     size_t object_at(Slot slot) const;
+    void note_left_out(const std::string &what, const Declarations::LeftOut &left_out);
     void watch(Object &object);
+    void watch_memory(Memory &memory);
     void read(Object &object);
 
     Traits traits_;
     Objects objects_;
+    std::vector<std::string> notes_;
     std::vector<Object *> marked_;
     std::vector<uint8_t> bits_;  // room for the widest object
     Kernel *kernel_ = nullptr;
