@@ -99,7 +99,7 @@ PLI_INT32 simulation_starts(s_cb_data *) {
         if (!error.empty()) {
             give_up(error, exit_error);
         }
-        vpi::call_back(cbReadOnlySynch, time_zero_settled);
+        vpi::call_back_when_settled(time_zero_settled);
     });
     return 0;
 }

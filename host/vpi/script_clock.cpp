@@ -28,7 +28,7 @@ void ScriptClock::end() {
 }
 
 PLI_INT32 ScriptClock::time_begins(s_cb_data *data) {
-    vpi::call_back(cbReadOnlySynch, time_settled, 0, data->user_data);
+    vpi::call_back_when_settled(time_settled, data->user_data);
     return 0;
 }
 

@@ -26,6 +26,12 @@ bool range_of(vpiHandle object, int32_t *left, int32_t *right) {
     return true;
 }
 
+std::string product() {
+    s_vpi_vlog_info info{};
+    vpi_get_vlog_info(&info);
+    return info.product == nullptr ? "" : info.product;
+}
+
 Ticks time_now() {
     s_vpi_time time{.type = vpiSimTime, .high = 0, .low = 0, .real = 0};
     vpi_get_time(nullptr, &time);
@@ -48,6 +54,13 @@ vpiHandle call_back(PLI_INT32 reason, Callback function, Ticks delay, void *data
     request.time = &time;
     request.user_data = static_cast<char *>(data);
     return vpi_register_cb(&request);
+}
+
+// GHDL does not advance the time after a read-only synchronisation. Its read-write one comes after
+// the last delta cycle just as well, and nothing is written there.
+vpiHandle call_back_when_settled(Callback function, void *data) {
+    static const PLI_INT32 reason = product() == "GHDL" ? cbReadWriteSynch : cbReadOnlySynch;
+    return call_back(reason, function, 0, data);
 }
 
 }  // namespace wf::vpi

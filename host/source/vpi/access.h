@@ -18,6 +18,9 @@ int32_t integer_of(vpiHandle object);
 // The bounds of an object's range; false when the simulator tells none.
 bool range_of(vpiHandle object, int32_t *left, int32_t *right);
 
+// The simulator's name for itself.
+std::string product();
+
 // The simulator's time in ticks.
 Ticks time_now();
 s_vpi_time time_record(Ticks time);
@@ -38,5 +41,8 @@ void for_each(PLI_INT32 relation, vpiHandle object, Visit visit) {
 // simulator refuses.
 using Callback = PLI_INT32 (*)(s_cb_data *);
 vpiHandle call_back(PLI_INT32 reason, Callback function, Ticks delay = 0, void *data = nullptr);
+
+// Asks for `function(data)` at the end of the current time step, when all its values have settled.
+vpiHandle call_back_when_settled(Callback function, void *data = nullptr);
 
 }  // namespace wf::vpi

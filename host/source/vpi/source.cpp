@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <string_view>
 
 #include "host/source/vpi/access.h"
 #include "host/source/vpi/values.h"
@@ -55,16 +54,14 @@ bool send_changes(vpiHandle handle, Callback function, void *data) {
 }
 
 Traits traits_of_simulator() {
-    s_vpi_vlog_info info{};
-    vpi_get_vlog_info(&info);
-    const std::string_view product = info.product == nullptr ? "" : info.product;
-    const bool is_ghdl = product == "GHDL";
+    const std::string name = product();
+    const bool is_ghdl = name == "GHDL";
     return {.shortcomings = is_ghdl ? ghdl_shortcomings : nullptr,
             .offers_vectors = !is_ghdl,
             .offers_directions = !is_ghdl,
             .offers_memories = !is_ghdl,
             .offers_system_tasks = !is_ghdl,
-            .offers_net_ids = product.starts_with("Icarus"),
+            .offers_net_ids = name.starts_with("Icarus"),
             .finishes_anywhere = !is_ghdl};
 }
 
@@ -131,7 +128,7 @@ void Simulator::mark(Object &object) {
     object.marked = true;
     marked_.push_back(&object);
     if (marked_.size() == 1) {
-        call_back(cbReadOnlySynch, step_ends);
+        call_back_when_settled(step_ends);
     }
 }
 
