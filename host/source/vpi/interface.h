@@ -99,7 +99,6 @@ struct s_vpi_value {
 // --- callbacks ---
 constexpr PLI_INT32 cbValueChange = 1;
 constexpr PLI_INT32 cbReadWriteSynch = 6;
-constexpr PLI_INT32 cbReadWriteSynch = 6;
 constexpr PLI_INT32 cbReadOnlySynch = 7;
 constexpr PLI_INT32 cbAfterDelay = 9;
 constexpr PLI_INT32 cbStartOfSimulation = 11;
