@@ -22,8 +22,8 @@ using namespace wf;
 
 enum Kind : int64_t { single_bits, vectors, integers };
 
-constexpr uint32_t scalars = 50000;
-constexpr uint32_t width = 32;  // of a vector
+constexpr uint32_t width = 32;       // of a vector
+constexpr uint32_t scalars = 50016;  // a multiple of it
 
 void append_number(std::string &bytes, uint64_t value) {
     for (; value >= 0x80; value >>= 7) {
@@ -113,7 +113,7 @@ const std::string &waveform(Kind kind) {
     bytes.append("CYC\0", 4);
     append_word(bytes, 0, 8);
     constexpr std::size_t wanted = 16U << 20;
-    std::string bits(scalars / width * width, '\0');
+    std::string bits(scalars, '\0');
     while (bytes.size() < wanted) {
         append_changes(bytes, kind, bits, random);
         bytes.append("\0\n", 2);

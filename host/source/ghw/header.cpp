@@ -181,10 +181,9 @@ bool HeaderReader::read_scope(Entry entry, RegionKind kind) {
         return false;
     }
     if (entry == Entry::generate_for) {
-        const FileType *type = nullptr;
+        const FileType *type = types_.read_reference(tokens_, "the number of a type");
         std::string index;
-        if (!types_.read_reference(tokens_, type, "the number of a type") ||
-            !types_.read_value(tokens_, *type, index)) {
+        if (type == nullptr || !types_.read_value(tokens_, *type, index)) {
             return false;
         }
         copy.append(name).append("(").append(index).append(")");
@@ -207,12 +206,14 @@ bool HeaderReader::close_scope() {
 }
 
 bool HeaderReader::read_signal(Mode mode) {
-    const FileType *type = nullptr;
     if (depth_ == 0) {
         return tokens_.fault("a scope", "a signal outside of all scopes");
     }
-    if (!strings_.read_reference(tokens_, signal_.name, "the name of a signal") ||
-        !types_.read_reference(tokens_, type, "the number of a type")) {
+    if (!strings_.read_reference(tokens_, signal_.name, "the name of a signal")) {
+        return false;
+    }
+    const FileType *type = types_.read_reference(tokens_, "the number of a type");
+    if (type == nullptr) {
         return false;
     }
     if (type->type == nullptr) {

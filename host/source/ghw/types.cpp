@@ -60,25 +60,24 @@ bool Types::read_well_known(Tokens &tokens) const {
         return false;
     }
     for (uint8_t code = 1; code != 0;) {
-        const FileType *type = nullptr;
         if (!tokens.byte(code, "the code of a well-known type") ||
-            (code != 0 && !read_reference(tokens, type, "the number of a type"))) {
+            (code != 0 && read_reference(tokens, "the number of a type") == nullptr)) {
             return false;
         }
     }
     return true;
 }
 
-bool Types::read_reference(Tokens &tokens, const FileType *&type, std::string_view expected) const {
+const FileType *Types::read_reference(Tokens &tokens, std::string_view expected) const {
     uint32_t number = 0;
     if (!tokens.number(number, count(), expected)) {
-        return false;
+        return nullptr;
     }
     if (number == 0) {
-        return tokens.fault(std::string(expected) + " of at least 1", "0");
+        tokens.fault(std::string(expected) + " of at least 1", "0");
+        return nullptr;
     }
-    type = &types_[number - 1];
-    return true;
+    return &types_[number - 1];
 }
 
 bool Types::read_value(Tokens &tokens, const FileType &type, std::string &text) const {
@@ -202,10 +201,9 @@ bool Types::read_physical(Tokens &tokens, FileType &type) {
 }
 
 bool Types::read_array(Tokens &tokens, FileType &type) const {
-    const FileType *element = nullptr;
+    const FileType *element = read_reference(tokens, "the number of an element's type");
     uint32_t dimensions = 0;
-    if (!read_reference(tokens, element, "the number of an element's type") ||
-        !tokens.number(dimensions, deepest, "a number of dimensions")) {
+    if (element == nullptr || !tokens.number(dimensions, deepest, "a number of dimensions")) {
         return false;
     }
     if (dimensions == 0) {
@@ -213,8 +211,8 @@ bool Types::read_array(Tokens &tokens, FileType &type) const {
     }
     type.element = static_cast<uint32_t>(element - types_.data());
     for (uint32_t i = 0; i < dimensions; ++i) {
-        const FileType *index = nullptr;
-        if (!read_reference(tokens, index, "the number of an index's type")) {
+        const FileType *index = read_reference(tokens, "the number of an index's type");
+        if (index == nullptr) {
             return false;
         }
         if (!is_discrete(index->kind)) {
@@ -235,9 +233,11 @@ bool Types::read_record(Tokens &tokens, FileType &type) {
     type.fields = std::make_shared<std::vector<FileType::Part>>();
     for (uint32_t i = 0; i < count; ++i) {
         FileType::Part field;
-        const FileType *field_type = nullptr;
-        if (!strings_.read_reference(tokens, field.name, "the name of a field") ||
-            !read_reference(tokens, field_type, "the number of a field's type")) {
+        if (!strings_.read_reference(tokens, field.name, "the name of a field")) {
+            return false;
+        }
+        const FileType *field_type = read_reference(tokens, "the number of a field's type");
+        if (field_type == nullptr) {
             return false;
         }
         field.type = static_cast<uint32_t>(field_type - types_.data());
@@ -249,9 +249,9 @@ bool Types::read_record(Tokens &tokens, FileType &type) {
 }
 
 bool Types::read_scalar_subtype(Tokens &tokens, FileType &type) {
-    const FileType *base = nullptr;
+    const FileType *base = read_reference(tokens, "the number of a base type");
     Range range;
-    if (!read_reference(tokens, base, "the number of a base type")) {
+    if (base == nullptr) {
         return false;
     }
     if (!is_scalar(base->kind)) {
@@ -273,8 +273,8 @@ bool Types::read_scalar_subtype(Tokens &tokens, FileType &type) {
 }
 
 bool Types::read_composite_subtype(Tokens &tokens, FileType &type, bool is_bounded) {
-    const FileType *base = nullptr;
-    if (!read_reference(tokens, base, "the number of a base type")) {
+    const FileType *base = read_reference(tokens, "the number of a base type");
+    if (base == nullptr) {
         return false;
     }
     if (is_scalar(base->kind)) {

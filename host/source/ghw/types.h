@@ -74,8 +74,8 @@ class Types {
     // that nothing is left to do.
     bool read_well_known(Tokens &tokens) const;
 
-    // Reads the number of a type, and gives the type.
-    bool read_reference(Tokens &tokens, const FileType *&type, std::string_view expected) const;
+    // Reads the number of a type: the type, or null.
+    const FileType *read_reference(Tokens &tokens, std::string_view expected) const;
     // Reads one discrete value, and gives it as written: `3`, `red`, `'x'`.
     bool read_value(Tokens &tokens, const FileType &type, std::string &text) const;
 

@@ -74,7 +74,7 @@ TEST(GhwEvents, ReachTheSinkInTheirOrder) {
     }
     for (const std::size_t block :
          {std::size_t{0}, std::size_t{1}, std::size_t{33}, std::size_t{1} << 20}) {
-        for (const std::size_t piece : {1, 7, 1000000}) {
+        for (const std::size_t piece : {std::size_t{1}, std::size_t{7}, SIZE_MAX}) {
             const GhwReading reading = read_ghw(file, block, piece);
             EXPECT_EQ(reading.error, "");
             EXPECT_THAT(reading.events, ElementsAreArray(expected));
