@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 
 #include "host/source/vpi/access.h"
 #include "host/source/vpi/values.h"
@@ -109,8 +110,13 @@ void Simulator::attach(Kernel &kernel) {
     kernel.supply_from(this);
 }
 
+// GHDL stands at the end of all time when it has run out of events: what is known then is the time
+// of the last step that was settled.
 void Simulator::settle(bool ends) {
-    kernel_->begin_step(time_now());
+    const Ticks now = time_now();
+    if (now != std::numeric_limits<Ticks>::max()) {
+        kernel_->begin_step(now);
+    }
     for (Object *object : marked_) {
         object->marked = false;
         read(*object);
