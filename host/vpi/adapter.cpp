@@ -4,7 +4,7 @@
 
 #include <tcl.h>
 
-#include <memory>
+#include <utility>
 
 #include "host/fli/plugins.h"
 #include "host/source/vpi/access.h"
@@ -82,7 +82,7 @@ std::string Adapter::read_design() {
 }
 
 void Adapter::start_script() {
-    simulator_.settle();
+    run_tasks();
     script_started_ = true;
     if (script_.empty()) {
         return;
@@ -92,7 +92,7 @@ void Adapter::start_script() {
 }
 
 void Adapter::resume_script() {
-    simulator_.settle();
+    run_tasks();
     clock_.stop_waiting();
     run_part(coroutine);
 }
@@ -111,9 +111,16 @@ void Adapter::run_part(const std::string &commands) {
     }
 }
 
-void Adapter::run_task(const std::string &line) {
+bool Adapter::take_task(const std::string &line) {
+    tasks_.push_back(line);
+    return tasks_.size() == 1;
+}
+
+void Adapter::run_tasks() {
     simulator_.settle();
-    session_.run_command(line.substr(0, line.find(' ')), line);
+    for (const std::string &line : std::exchange(tasks_, {})) {
+        session_.run_command(line.substr(0, line.find(' ')), line);
+    }
 }
 
 void Adapter::end_simulation(int status) {
@@ -129,7 +136,7 @@ void Adapter::end_simulation(int status) {
 void Adapter::finish() {
     ended_ = true;
     clock_.end();
-    simulator_.settle();
+    run_tasks();
     if (!script_started_) {
         start_script();
     } else if (clock_.is_waiting()) {

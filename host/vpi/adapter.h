@@ -6,6 +6,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/design/design.h"
 #include "host/fli/session.h"
@@ -36,8 +37,12 @@ class Adapter {
     std::string read_design();
     // Runs the script's first part; time 0 has settled.
     void start_script();
-    // Runs a command of the plug-in for a system task, inside a time step.
-    void run_task(const std::string &line);
+    // Takes the command of a system task, which runs when the present time step has settled, after
+    // those taken before it: commands belong between time steps. True: `tasks_settled` is to be
+    // called then.
+    bool take_task(const std::string &line);
+    // Runs the commands taken so far.
+    void run_tasks();
     // What is left of the script, then the end of the plug-ins.
     void finish();
 
@@ -58,6 +63,7 @@ class Adapter {
     ScriptClock clock_;
     Session session_;
     std::optional<Shell> shell_;
+    std::vector<std::string> tasks_;  // commands of system tasks that wait for the step's end
     std::string script_;
     uint64_t memory_limit_ = 0;
     int status_ = 0;

@@ -84,8 +84,17 @@ Arguments read_arguments() {
 
 // --- callbacks ---
 
-void run_task(const std::string &line) {
-    guarded([&line](Adapter &self) { self.run_task(line); });
+PLI_INT32 tasks_settled(s_cb_data *) {
+    guarded([](Adapter &self) { self.run_tasks(); });
+    return 0;
+}
+
+void take_task(const std::string &line) {
+    guarded([&line](Adapter &self) {
+        if (self.take_task(line)) {
+            vpi::call_back_when_settled(tasks_settled);
+        }
+    });
 }
 
 PLI_INT32 time_zero_settled(s_cb_data *) {
@@ -136,7 +145,7 @@ void start() {
     adapter = std::make_unique<Adapter>();
     guarded([&](Adapter &self) {
         const std::string error =
-            self.prepare(arguments, std::filesystem::path(module).parent_path(), run_task);
+            self.prepare(arguments, std::filesystem::path(module).parent_path(), take_task);
         if (!error.empty()) {
             give_up(error, exit_error);
         }
