@@ -36,6 +36,7 @@ end entity;
 
 architecture rtl of lane is
     signal kept     : std_logic_vector(WIDTH + 2 downto 3) := (others => 'U');
+    signal delayed  : std_logic := '0';
     signal pulse    : std_logic := '0';
     signal settled  : std_logic;
     signal two      : bit := '0';
@@ -53,8 +54,9 @@ architecture rtl of lane is
     signal \odd.name[1]\ : std_logic := '0';
 begin
     -- A pulse of one delta cycle at every edge, which no recorder may count.
-    pulse   <= '1' when clk'event and clk = '1' else '0';
-    settled <= pulse xor clk;
+    delayed <= clk;
+    pulse   <= clk xor delayed;
+    settled <= pulse xor delayed;
     left    <= data when enable else (others => 'Z');
     line    <= (others => 'Z') when count mod 3 = 0 else data(0) & data(1) & '0' & 'X';
 
