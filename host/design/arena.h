@@ -27,9 +27,10 @@ class Arena {
         return first;
     }
 
-    // Whether this is the address of a record that was made here.
+    // Whether this is the address of a record that was made here. Neighbours are asked for one
+    // after the other as a rule: the block that held the last one is looked at first.
     bool contains(const void *address) const {
-        return last_ != nullptr && (holds(*last_, address) || search(address));
+        return (found_ != nullptr && holds(*found_, address)) || search(address);
     }
 
   private:
@@ -59,16 +60,21 @@ class Arena {
         return distance < block.used * sizeof(T) && distance % sizeof(T) == 0;
     }
 
-    bool search(const void *address) const {
+    __attribute__((noinline)) bool search(const void *address) const {
         const auto after = std::upper_bound(
             blocks_.begin(), blocks_.end(), address, [](const void *wanted, const auto &block) {
                 return wanted < static_cast<const void *>(block->records.get());
             });
-        return after != blocks_.begin() && holds(**(after - 1), address);
+        if (after == blocks_.begin() || !holds(**(after - 1), address)) {
+            return false;
+        }
+        found_ = (after - 1)->get();
+        return true;
     }
 
     std::vector<std::unique_ptr<Block>> blocks_;  // by address
     Block *last_ = nullptr;                       // the one that is being filled
+    mutable const Block *found_ = nullptr;        // the one that held what was asked for last
 };
 
 // NUL-terminated texts, one after the other in large blocks.

@@ -7,10 +7,8 @@
 
 namespace wf {
 
-Call::Call(const char *function) : function_(function), session_(Session::current()) {
-    if (session_ == nullptr) [[unlikely]] {
-        std::fprintf(stderr, "** Error: %s: there is no simulator\n", function);
-    }
+void Call::complain_alone() const {
+    std::fprintf(stderr, "** Error: %s: there is no simulator\n", function_);
 }
 
 void Call::reject(const void *handle, const char *what) const {
@@ -32,17 +30,6 @@ Region *Call::region(const void *handle) const {
         return nullptr;
     }
     return static_cast<Region *>(const_cast<void *>(handle));
-}
-
-Signal *Call::signal(mtiSignalIdT handle) const {
-    if (session_ == nullptr) {
-        return nullptr;
-    }
-    if (!session_->design.is_signal(handle)) [[unlikely]] {
-        reject(handle, "signal");
-        return nullptr;
-    }
-    return reinterpret_cast<Signal *>(handle);
 }
 
 const Type *Call::type(mtiTypeIdT handle) const {

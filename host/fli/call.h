@@ -29,7 +29,11 @@ inline mtiTypeIdT to_handle(const Type *type) {
 class Call {
   public:
     // `function` is the function's name; it must be a literal.
-    explicit Call(const char *function);
+    explicit Call(const char *function) : function_(function), session_(Session::current()) {
+        if (session_ == nullptr) [[unlikely]] {
+            complain_alone();
+        }
+    }
 
     // Whether there is a simulator; without one the constructor has complained on standard error,
     // and the function answers 0.
@@ -38,7 +42,16 @@ class Call {
 
     // The record behind a handle. Null after a complaint, or when there is no simulator.
     Region *region(const void *handle) const;
-    Signal *signal(mtiSignalIdT handle) const;
+    Signal *signal(mtiSignalIdT handle) const {
+        if (session_ == nullptr) [[unlikely]] {
+            return nullptr;
+        }
+        if (!session_->design.is_signal(handle)) [[unlikely]] {
+            reject(handle, "signal");
+            return nullptr;
+        }
+        return reinterpret_cast<Signal *>(handle);
+    }
     const Type *type(mtiTypeIdT handle) const;
     Process *process(mtiProcessIdT handle) const;
     // A text argument that must not be null; null after a complaint.
@@ -54,6 +67,7 @@ class Call {
     std::string name(const Signal *signal) const;
 
   private:
+    void complain_alone() const;
     void reject(const void *handle, const char *what) const;
 
     const char *function_;

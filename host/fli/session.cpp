@@ -12,29 +12,19 @@
 
 namespace wf {
 
-namespace {
-
-Session *current_session = nullptr;
-
-}  // namespace
-
 Session::Session(Design &the_design, Kernel &the_kernel, Console &the_console)
     : design(the_design), kernel(the_kernel), console(the_console) {
-    if (current_session != nullptr) {
+    if (current_ != nullptr) {
         throw std::logic_error("a process has one simulator at a time");
     }
-    current_session = this;
+    current_ = this;
 }
 
 Session::~Session() {
     quit();
     trace_off();
-    current_session = nullptr;
+    current_ = nullptr;
     std::for_each(libraries_.rbegin(), libraries_.rend(), dlclose);
-}
-
-Session *Session::current() {
-    return current_session;
 }
 
 std::string Session::load_plugin(const std::string &function, const std::string &library) {

@@ -37,7 +37,7 @@ class Session {
     Session &operator=(const Session &) = delete;
 
     // The process's current simulator, or null.
-    static Session *current();
+    static Session *current() { return current_; }
 
     // Opens a library and calls its init function with a null region, parameter, generics and
     // ports. A library name without a '/' is looked for in the current folder first, then where the
@@ -87,6 +87,8 @@ class Session {
 
   private:
     static void trace_wake(void *session, const Process &process);
+
+    static inline Session *current_ = nullptr;
 
     struct QuitCallback {
         mtiVoidFuncPtrT function;
