@@ -11,10 +11,11 @@ namespace wf {
 namespace {
 
 constexpr std::align_val_t cache_line{64};
+constexpr uint32_t name_mask = (1U << 29) - 1;  // what a process keeps of its name's number
 
 }  // namespace
 
-void Kernel::BlockFree::operator()(Process *block) const {
+void Kernel::BlockFree::operator()(Block *block) const {
     ::operator delete(block, cache_line);
 }
 
@@ -53,17 +54,23 @@ Process *Kernel::create_process(std::string_view name, ProcessFunction function,
         return nullptr;
     }
     if ((next_process_ >> block_bits) == blocks_.size()) {
-        void *block = ::operator new((size_t{1} << block_bits) * sizeof(Process), cache_line);
-        blocks_.emplace_back(static_cast<Process *>(block));
+        void *block = ::operator new(sizeof(Block), cache_line);
+        blocks_.emplace_back(static_cast<Block *>(block));
     }
     immediate_count_ += priority == Priority::immediate ? 1 : 0;
     postponed_count_ += priority == Priority::postponed ? 1 : 0;
     if (postponed_.capacity() < postponed_count_) {
         postponed_.reserve(size_t{2} * postponed_count_);
     }
-    Process *process = &process_at(next_process_++);
-    return new (process)
-        Process{function, parameter, 0, intern_name(name), delta_ - 1, priority, false};
+    const uint32_t index = next_process_++;
+    info_at(index) = {.next = 0,
+                      .mark = no_slot,
+                      .name = intern_name(name) & name_mask,
+                      .priority = static_cast<uint32_t>(priority) & 3U,
+                      .is_shared = 0};
+    Process *process = &process_at(index);
+    *process = {function, parameter};
+    return process;
 }
 
 uint32_t Kernel::intern_name(std::string_view name) {
@@ -80,8 +87,8 @@ uint32_t Kernel::intern_name(std::string_view name) {
 uint32_t Kernel::index_of(const void *process) const {
     const auto address = reinterpret_cast<uintptr_t>(process);
     for (size_t block = blocks_.size(); block-- > 0;) {
-        const auto distance = address - reinterpret_cast<uintptr_t>(blocks_[block].get());
-        if (distance < (size_t{1} << block_bits) * sizeof(Process)) {
+        const auto distance = address - reinterpret_cast<uintptr_t>(blocks_[block]->processes);
+        if (distance < sizeof(Block::processes)) {
             const auto index =
                 static_cast<uint32_t>((block << block_bits) + distance / sizeof(Process));
             const bool is_one = distance % sizeof(Process) == 0 && index >= first_process;
@@ -109,15 +116,16 @@ void Kernel::watch_slot(uint32_t index, Slot slot) {
     if (supply_ != nullptr && heads_[slot] == 0) {
         supply_->watched(slot);
     }
-    Process &process = process_at(index);
     uint32_t link = index << 1;
-    if (process.next != 0) {
-        process.shared = true;
+    if (info_at(index).next != 0) {
+        share(index);
         link = static_cast<uint32_t>(nodes_.size()) << 1 | 1U;
         nodes_.push_back({index, 0});
+    } else {
+        info_at(index).mark = slot;
     }
     const uint32_t head = heads_[slot];
-    const uint32_t last = head & ~queued_mark;
+    const uint32_t last = head & link_mask;
     if (last == 0) {
         next_link(link) = link;
         reserve_changed(++watched_slots_);
@@ -126,7 +134,30 @@ void Kernel::watch_slot(uint32_t index, Slot slot) {
         next_link(link) = next_link(last);
         next_link(last) = link;
     }
-    heads_[slot] = (head & queued_mark) | link;
+    const uint32_t pair = make_a_pair(last, link) ? pair_mark : 0;
+    heads_[slot] = (head & queued_mark) | pair | link;
+}
+
+// Whether these two links, the only ones of a slot, are a pair.
+bool Kernel::make_a_pair(uint32_t first, uint32_t second) const {
+    if (first == 0 || ((first | second) & 1U) != 0 || (first & 2U) != 0 || second != first + 2) {
+        return false;
+    }
+    const ProcessInfo &one = info_at(first >> 1);
+    const ProcessInfo &other = info_at(second >> 1);
+    return one.next == second && other.next == first && !one.is_shared && !other.is_shared &&
+           one.priority == static_cast<uint32_t>(Priority::normal) &&
+           other.priority == static_cast<uint32_t>(Priority::postponed);
+}
+
+// A process that gets a second slot: a pair that it was one of is none any more.
+void Kernel::share(uint32_t index) {
+    ProcessInfo &process = info_at(index);
+    if (process.is_shared == 0) {
+        heads_[process.mark] &= ~pair_mark;
+        process.is_shared = 1;
+        process.mark = first_delta_ - 1;
+    }
 }
 
 void Kernel::reserve_changed(uint32_t count) {
@@ -134,7 +165,7 @@ void Kernel::reserve_changed(uint32_t count) {
         return;
     }
     const uint32_t capacity = std::max({count, changed_capacity_ * 2, 64U});
-    auto changed = std::make_unique_for_overwrite<Slot[]>(capacity);
+    auto changed = std::make_unique_for_overwrite<Changed[]>(capacity);
     std::copy_n(changed_.get(), changed_count_, changed.get());
     changed_ = std::move(changed);
     changed_capacity_ = capacity;

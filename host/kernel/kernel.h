@@ -49,7 +49,12 @@ class ValueSupply {
 //
 // Cost: a set with an equal value is a compare; a change that nobody watches is that, a store and a
 // look at the slot's head; a watched one also enters its slot into a queue. Queues keep their
-// capacity, so nothing is allocated in the long run. Memory: 4 bytes a slot, 32 a process.
+// capacity, so nothing is allocated in the long run. Memory: 4 bytes a slot, 28 a process.
+//
+// Most watched slots are bits with a pair of watchers of their own: a normal process and, made
+// right after it, a postponed one. A pair is woken without a walk: the head leads to the half line
+// that holds both, the normal one is called, and the postponed one, if it is a call like the last
+// that was queued, only adds to the number of times that call is to be made.
 class Kernel {
   public:
     // Works on the design's storage. The design must outlive the kernel.
@@ -117,13 +122,15 @@ class Kernel {
 
     // --- processes ---
     // A process that wakes when it is sensitised; it never runs by itself. The name is copied. The
-    // process lives as long as the kernel. Null when there are 2^30 of them.
+    // process lives as long as the kernel. Null when there are 2^29 of them.
     Process *create_process(std::string_view name, ProcessFunction function, void *parameter,
                             Priority priority = Priority::normal);
     // Makes the process wake with the signal: with every leaf of a composite.
     void sensitize(Process *process, const Signal &signal, Trigger trigger = Trigger::event);
     bool is_process(const void *handle) const { return index_of(handle) != 0; }
-    const std::string &name_of(const Process &process) const { return names_[process.name]; }
+    const std::string &name_of(const Process &process) const {
+        return names_[info_at(index_of(&process)).name];
+    }
     uint32_t process_count() const { return next_process_ - first_process; }
     // Whether anybody watches one of these slots. The answer holds while watch_version() stays the
     // same; a source may then leave out the parsing of a value that nobody sees but the slots.
@@ -139,9 +146,12 @@ class Kernel {
     }
 
   private:
-    // A slot's head: bit 31 says that the slot is in the queue, the rest is the link to the last of
-    // its watchers, whose own link leads to the first. 0: nobody watches.
+    // A slot's head: bit 31 says that the slot is in the queue, bit 30 that its watchers are a
+    // pair, the rest is the link to the last of its watchers, whose own link leads to the first. 0:
+    // nobody watches.
     static constexpr uint32_t queued_mark = 0x80000000U;
+    static constexpr uint32_t pair_mark = 0x40000000U;
+    static constexpr uint32_t link_mask = pair_mark - 1;
 
     // Queues a changed slot if somebody watches it and it is not queued yet.
     void touch(Slot slot) {
@@ -152,36 +162,32 @@ class Kernel {
     }
     void enqueue(Slot slot, uint32_t head) {
         heads_[slot] = head | queued_mark;
-        prefetch_process(head);
         if (changed_count_ == changed_capacity_) [[unlikely]] {
             reserve_changed(changed_count_ + 1);
         }
-        changed_[changed_count_++] = slot;
+        changed_[changed_count_++] = {slot, head};
     }
     void touch_differences(Slot first, uint64_t difference);
-    // The processes of a changed bit, and what they work on, come into the cache while other bits
-    // are dealt with; otherwise a change waits for memory in a design of more than some 10,000
-    // bits.
-    void prefetch_process(uint32_t link) const {
-        if ((link & 1U) == 0) {
-            __builtin_prefetch(&process_at(link >> 1));
-        }
-    }
-    void prefetch_parameter(Slot slot) const;
-
     void run_step();
     template <bool traced>
     void run_deltas();
     template <bool traced>
     void run_immediate(uint32_t from, uint32_t end);
     template <bool traced>
-    void wake_slot(Slot slot, bool is_first_delta);
+    void wake_slots(uint32_t from, uint32_t end);
+    template <bool traced>
+    void wake_pair(Slot slot, uint32_t head, uint32_t delta_from);
+    template <bool traced>
+    void wake_list(Slot slot, uint32_t delta_from);
     template <bool traced>
     void run_postponed();
     template <bool traced>
-    void run(Process &process);
-    void postpone(uint32_t index, bool is_first_delta);
-    bool already_woken(Process &process);
+    void run(const Process &process);
+    template <bool traced>
+    void postpone(const Process &process);
+    bool was_changed_before(Slot slot, uint32_t delta_from) const;
+    bool already_woken(ProcessInfo &process);
+    bool already_postponed(ProcessInfo &process, Slot slot, uint32_t delta_from);
     void next_delta();
     void reserve_changed(uint32_t count);
 
@@ -189,11 +195,20 @@ class Kernel {
     void watch_leaves(uint32_t process, const Type &type, Slot first);
     uint32_t intern_name(std::string_view name);
     uint32_t index_of(const void *process) const;
+    void share(uint32_t index);
+    bool make_a_pair(uint32_t first, uint32_t second) const;
     Process &process_at(uint32_t index) const {
-        return blocks_[index >> block_bits][index & block_mask];
+        return blocks_[index >> block_bits]->processes[index & block_mask];
+    }
+    ProcessInfo &info_at(uint32_t index) const {
+        return blocks_[index >> block_bits]->infos[index & block_mask];
+    }
+    // The first of a pair; the second follows it.
+    const Process &pair_of(uint32_t head) const {
+        return process_at(((head & link_mask) >> 1) - 1);
     }
     uint32_t &next_link(uint32_t link) {
-        return (link & 1U) != 0 ? nodes_[link >> 1].next : process_at(link >> 1).next;
+        return (link & 1U) != 0 ? nodes_[link >> 1].next : info_at(link >> 1).next;
     }
     uint32_t process_of(uint32_t link) const {
         return (link & 1U) != 0 ? nodes_[link >> 1].process : link >> 1;
@@ -203,9 +218,26 @@ class Kernel {
     static constexpr uint32_t block_mask = (1U << block_bits) - 1;
     // An even number, so that two processes made one after the other share a cache line.
     static constexpr uint32_t first_process = 2;
-    static constexpr uint32_t process_limit = 1U << 30;
+    static constexpr uint32_t process_limit = 1U << 29;
+    struct Block {
+        Process processes[size_t{1} << block_bits];
+        ProcessInfo infos[size_t{1} << block_bits];
+    };
     struct BlockFree {
-        void operator()(Process *block) const;
+        void operator()(Block *block) const;
+    };
+    // A changed slot, and its head as it was: good for fetching what is soon to be looked at.
+    struct Changed {
+        Slot slot;
+        uint32_t head;
+    };
+    // Calls of a postponed process that wait for the step's end. Neighbours that are the same call
+    // are one entry: all of a recorder's, as a rule. While tracing every process has its own entry.
+    struct PostponedCalls {
+        ProcessFunction function;
+        void *parameter;
+        uint64_t times;
+        const Process *process;  // the first of them
     };
     struct HeapFree {
         void operator()(uint32_t *heads) const;
@@ -214,13 +246,14 @@ class Kernel {
     // The hot ones first.
     uint8_t *values_ = nullptr;
     std::unique_ptr<uint32_t[], HeapFree> heads_;
-    std::unique_ptr<Slot[]> changed_;  // the queue of changed slots
+    std::unique_ptr<Changed[]> changed_;  // the queue of changed slots
     uint32_t changed_count_ = 0;
     uint32_t changed_capacity_ = 0;  // at least as many as slots that are watched
     uint32_t delta_ = 0;             // numbers the delta cycles
+    uint32_t first_delta_ = 0;       // of this step
     Ticks now_ = 0;
-    std::vector<uint32_t> postponed_;  // the queue of processes that wait for the step's end
-    std::vector<std::unique_ptr<Process[], BlockFree>> blocks_;
+    std::vector<PostponedCalls> postponed_;
+    std::vector<std::unique_ptr<Block, BlockFree>> blocks_;
     std::vector<WatchNode> nodes_{1};
     uint32_t next_process_ = first_process;
     uint32_t immediate_count_ = 0;

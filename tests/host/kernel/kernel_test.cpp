@@ -144,6 +144,35 @@ TEST_F(KernelTest, LetsProcessesMakeProcessesAndChanges) {
     EXPECT_EQ(ran(), "bPL") << "what a postponed process changes belongs to the next step";
 }
 
+// A bit's own two watchers, which the kernel keeps in a form of their own, and what ends that form.
+TEST_F(KernelTest, WakesAPairLikeAnyOtherWatchers) {
+    const Signal *bits[] = {signal(types.bit()), signal(types.bit()), signal(types.bit())};
+    Letter same{&log, "P", {}};
+    const auto pair_on = [&](const char *letter, const Signal *bit) {
+        Process *normal = watching(letter, bit);
+        kernel.sensitize(kernel.create_process("p", &KernelTest::write, &same, Priority::postponed),
+                         *bit);
+        return normal;
+    };
+    const auto flip = [&](std::initializer_list<int> numbers) {
+        for (const int number : numbers) {
+            kernel.set_byte(bits[number]->slot, kernel.byte(bits[number]->slot) ^ 1);
+        }
+        return ran();
+    };
+    pair_on("a", bits[0]);
+    Process *second = pair_on("b", bits[1]);
+    EXPECT_EQ(flip({1, 0, 1, 1}), "baPP") << "one call for each process, equal calls or not";
+    watching("3", bits[0]);
+    EXPECT_EQ(flip({0, 1}), "a3bPP");
+    kernel.sensitize(second, *bits[2]);
+    EXPECT_EQ(flip({2, 1}), "bP") << "once, though it watches both";
+    EXPECT_EQ(flip({2}), "b");
+    EXPECT_EQ(flip({1}), "bP");
+    pair_on("x", bits[2]);
+    EXPECT_EQ(flip({2, 0}), "bxa3PP");
+}
+
 // Waking against a plain model: any mixture of stretches, watchers and steps.
 TEST_F(KernelTest, AgreesWithAPlainModel) {
     const unsigned seed = std::random_device{}();
