@@ -31,8 +31,7 @@ MonitorElement *mfli_init_monitor_element(mtiSignalIdT signal, const char *name)
     const int32_t type_code = mfli_get_scalar_signal_type(type);
     const int32_t width = mfli_get_scalar_signal_width(type, type_code);
     const size_t per_bit = sizeof(void *) + sizeof(MonitorBit);
-    const size_t size =
-        sizeof(MonitorElement) + sizeof(mtiTime64T) + static_cast<size_t>(width) * per_bit;
+    const size_t size = sizeof(MonitorElement) + static_cast<size_t>(width) * per_bit;
     char *name_copy = nullptr;
     auto *element = static_cast<MonitorElement *>(mfli_store_element(size, name, &name_copy));
     if (element == nullptr) {
@@ -42,10 +41,9 @@ MonitorElement *mfli_init_monitor_element(mtiSignalIdT signal, const char *name)
     element->signal = signal;
     element->width = width;
     element->type_code = type_code;
-    element->last_change = reinterpret_cast<mtiTime64T *>(element + 1);
-    mfli_stime(element->last_change);
-    element->bits = reinterpret_cast<BitActivity **>(element->last_change + 1);
+    mfli_stime(&element->last_change);
     MonitorBit *bits = mfli_monitor_bits(element);
+    element->bits = reinterpret_cast<BitActivity **>(bits + width);
     for (int32_t i = 0; i < width; ++i) {
         init_bit(&bits[i]);
         element->bits[i] = &bits[i].activity;
@@ -137,7 +135,7 @@ void mfli_print_monitor_table() {
 
 void mfli_print_monitor_element(const MonitorElement *element) {
     mfli_message("%16s, %d, %d, %d, %.2f, %d", element->name, element->width, element->msb,
-                 element->lsb, mfli_convert_time(element->last_change), element->dirty);
+                 element->lsb, mfli_convert_time(&element->last_change), element->dirty);
     print_saif_sa(element);
 }
 

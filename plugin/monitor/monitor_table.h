@@ -5,12 +5,13 @@
 //
 // How an element lies in memory. One block, aligned to a cache line, holds in this order:
 //
-//   MonitorElement | last-change time | bits[0..width-1] | MonitorBit 0 | MonitorBit 1 | ...
+//   MonitorElement | MonitorBit 0 | MonitorBit 1 | ... | bits[0..width-1]
 //
-// so that a one-bit signal, which nearly all are, is exactly three lines: the element (what marking
-// a change reads and writes), a line with the time, the state and the durations, and a line with
-// the counts. Blocks and names are carved from large chunks (monitor/element_store.h), in the order
-// of registration, which is also the order in which the table is walked.
+// A one-bit signal, which nearly all are, takes three lines, of which a change of level touches
+// two: the element, and the first line of its bit, which holds the state, the counts and the
+// durations at 1 and at 0. The time at X lies with the pointers in the third. Blocks and names are
+// carved from large chunks (monitor/element_store.h), in the order of registration, which is also
+// the order in which the table is walked.
 #ifndef WATTFORGE_PLUGIN_MONITOR_MONITOR_TABLE_H
 #define WATTFORGE_PLUGIN_MONITOR_MONITOR_TABLE_H
 
@@ -42,38 +43,38 @@ struct BitActivity {
 // A bit and its records, next to each other.
 struct MonitorBit {
     BitActivity activity;
-    saif_timing_attribute timing;
     saif_toggle_attribute toggle;
+    saif_timing_attribute timing;
     saif_switching_attribute switching;
 };
 
 // One watched scalar signal.
 struct MonitorElement {
-    char *name;               // full name under which the signal was first registered; owned
-    mtiSignalIdT signal;      // the simulator's handle, not owned
-    int32_t width;            // number of watched bits
-    int32_t msb;              // 0; printed only
-    int32_t lsb;              // 0; printed only
-    mtiTime64T *last_change;  // when the states last changed or the counting started; owned
-    int32_t type_code;        // scalar type code (select/types.h)
-    int32_t dirty;            // non-zero while it waits in the changed list of the time step
-    BitActivity **bits;       // `width` of them, bit 0 first; owned
-    list *aliases;            // further full names (owned strings) in order; null until the first
+    char *name;              // full name under which the signal was first registered; owned
+    mtiSignalIdT signal;     // the simulator's handle, not owned
+    int32_t width;           // number of watched bits
+    int32_t msb;             // 0; printed only
+    int32_t lsb;             // 0; printed only
+    mtiTime64T last_change;  // when the states last changed or the counting started
+    int32_t type_code;       // scalar type code (select/types.h)
+    int32_t dirty;           // non-zero while it waits in the changed list of the time step
+    BitActivity **bits;      // `width` of them, bit 0 first; owned
+    list *aliases;           // further full names (owned strings) in order; null until the first
 };
 
-// Promised, because a million watched bits are common and a change must not touch more than the
-// element's line and two more.
+// Promised, because a million watched bits are common and a change of level must not touch more
+// than the element's line and one more.
 static_assert(sizeof(void *) != 8 || sizeof(MonitorElement) == 64, "an element is one cache line");
-static_assert(sizeof(void *) != 8 || sizeof(MonitorBit) == 112, "time, pointer and bit: two lines");
-static_assert(sizeof(void *) != 8 || offsetof(MonitorBit, toggle) == 56,
-              "state and durations share the line of the time, the counts have the next");
+static_assert(sizeof(void *) != 8 || sizeof(MonitorBit) + sizeof(BitActivity *) <= 128,
+              "a bit and its pointer are two lines");
+static_assert(sizeof(void *) != 8 ||
+                  offsetof(MonitorBit, timing) + offsetof(saif_timing_attribute, tx) <= 64,
+              "state, counts and the durations at 0 and 1 share a line");
 
 // The records of all bits of an element, without a load from its `bits`: a counting step reaches
 // every line of an element at once.
 inline MonitorBit *mfli_monitor_bits(MonitorElement *element) {
-    const size_t ahead = sizeof(MonitorElement) + sizeof(mtiTime64T) +
-                         static_cast<size_t>(element->width) * sizeof(void *);
-    return reinterpret_cast<MonitorBit *>(reinterpret_cast<char *>(element) + ahead);
+    return reinterpret_cast<MonitorBit *>(element + 1);
 }
 
 // From signal handle to MonitorElement, in order of registration. Null until set_toggle_region

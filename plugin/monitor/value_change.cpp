@@ -62,13 +62,13 @@ static bool is_known_state(int32_t state) {
     return static_cast<uint32_t>(state) < MFLI_STATES;
 }
 
-static void credit(saif_timing_attribute *timing, int32_t state, double ticks) {
+static inline void credit(saif_timing_attribute *timing, int32_t state, double ticks) {
     timing->*(is_known_state(state) ? duration_of_state[state] : &saif_timing_attribute::tx) +=
         ticks;
 }
 
 // A state beyond the known ones is left alone.
-static void count(saif_toggle_attribute *toggle, int32_t *state, int32_t value) {
+static inline void count(saif_toggle_attribute *toggle, int32_t *state, int32_t value) {
     if (!is_known_state(*state)) {
         return;
     }
@@ -101,51 +101,74 @@ void mfli_process_event(void *parameter) {
     mfli_do_counting_process = 1;
 }
 
-void update_saif_sa(MonitorElement *element, const mtiTime64T *now) {
-    const double ticks = mfli_ticks_between(*element->last_change, *now);
-    const int32_t value = mti_GetSignalValue(element->signal);
+// Inline in the walk over the changed elements, where nearly all have one bit.
+static inline void update_bits(MonitorElement *element, double ticks, int32_t value) {
     MonitorBit *bits = mfli_monitor_bits(element);
-    for (int32_t i = 0; i < element->width; ++i) {
+    int32_t i = 0;
+    do {
         // The old state gets its time before the new value changes it, and every bit of a changed
         // element gets it, changed or not, since the element's last change moves on for all.
         credit(&bits[i].timing, bits[i].activity.state, ticks);
         count(&bits[i].toggle, &bits[i].activity.state,
               map_value_to_01x(element->type_code, value, i));
-    }
+    } while (++i < element->width);
+}
+
+static inline void update_element(MonitorElement *element, const mtiTime64T *now) {
+    const double ticks = mfli_ticks_between(element->last_change, *now);
+    update_bits(element, ticks, mti_GetSignalValue(element->signal));
     if (mfli_debug_level > 1) {
         mfli_message("Update SA = %s; Scalar/Enum; size %d", element->name, element->width);
     }
 }
 
-// A large step changes more elements than the processor's caches hold: all lines of one that comes
-// later in the list are asked for while earlier ones are counted.
-static list_handle *fetch_and_step(list_handle *ahead) {
-    if (ahead == nullptr) {
-        return nullptr;
-    }
-    auto *element = static_cast<MonitorElement *>(ahead->data);
-    __builtin_prefetch(element, 1);
-    __builtin_prefetch(element + 1, 1);
-    __builtin_prefetch(element + 2, 1);
-    return ahead->next;
+void update_saif_sa(MonitorElement *element, const mtiTime64T *now) {
+    update_element(element, now);
 }
 
+// A large step changes more elements than the processor's caches hold. Both lines of one that comes
+// later in the list are asked for while earlier ones are counted, and then, when its element has
+// come, what stands behind the signal's handle: the simulator is about to look there.
+struct FetchAhead {
+    list_handle *element;
+    list_handle *signal;
+
+    void fetch_element() {
+        if (element != nullptr) {
+            __builtin_prefetch(element->data, 1);
+            __builtin_prefetch(static_cast<MonitorElement *>(element->data) + 1, 1);
+            element = element->next;
+        }
+    }
+    void fetch_signal() {
+        if (signal != nullptr) {
+            __builtin_prefetch(static_cast<MonitorElement *>(signal->data)->signal);
+            signal = signal->next;
+        }
+    }
+};
+
 static void update_changed_elements() {
-    constexpr int fetch_distance = 6;
+    constexpr int element_distance = 12;
+    constexpr int signal_distance = 4;
     const mtiTime64T now = mfli_now();
-    list_handle *ahead = changed_list->head;
-    for (int i = 0; i < fetch_distance; ++i) {
-        ahead = fetch_and_step(ahead);
+    FetchAhead ahead{changed_list->head, changed_list->head};
+    for (int i = 0; i < element_distance; ++i) {
+        ahead.fetch_element();
+    }
+    for (int i = 0; i < signal_distance; ++i) {
+        ahead.fetch_signal();
     }
     for (list_walk walk(changed_list); walk; walk.step()) {
-        ahead = fetch_and_step(ahead);
+        ahead.fetch_element();
+        ahead.fetch_signal();
         auto *element = static_cast<MonitorElement *>(walk.item());
         // Clear when a window was opened, closed or reset since the event.
         if (element->dirty == 0) {
             continue;
         }
-        update_saif_sa(element, &now);
-        *element->last_change = now;
+        update_element(element, &now);
+        element->last_change = now;
         element->dirty = 0;
     }
 }
@@ -185,19 +208,18 @@ void mfli_free_speed_lists() {
 }
 
 void add_to_changed_list(MonitorElement *element) {
-    list_handle *spare = trash_list->head;
-    if (spare == nullptr) {
+    if (trash_list->head == nullptr) {
         list_append(changed_list, element);
         return;
     }
-    spare->data = element;
-    list_move_handle(spare, changed_list);
+    trash_list->head->data = element;
+    list_move_head(trash_list, changed_list);
 }
 
+// The items come to the front of the spare ones, so that the next step takes the same ones again,
+// which the processor still has at hand.
 void empty_changed_list() {
-    while (changed_list->head != nullptr) {
-        list_move_handle(changed_list->head, trash_list);
-    }
+    list_move_all(changed_list, trash_list);
     if (mfli_debug_level > 1) {
         mfli_message("Time %f, trash_list %d, changed_list %d", mfli_current_ticks(),
                      trash_list->length, changed_list->length);

@@ -14,7 +14,7 @@ int32_t mfli_overflow_flag;
 
 static void open_element(MonitorElement *element, void *now) {
     element->dirty = 0;
-    *element->last_change = *static_cast<const mtiTime64T *>(now);
+    element->last_change = *static_cast<const mtiTime64T *>(now);
     const int32_t value = mti_GetSignalValue(element->signal);
     for (int32_t i = 0; i < element->width; ++i) {
         mfli_update_saif_toggles_and_state(element->bits[i],
@@ -25,7 +25,7 @@ static void open_element(MonitorElement *element, void *now) {
 static void close_element(MonitorElement *element, void *now) {
     element->dirty = 0;
     const double ticks =
-        mfli_ticks_between(*element->last_change, *static_cast<const mtiTime64T *>(now));
+        mfli_ticks_between(element->last_change, *static_cast<const mtiTime64T *>(now));
     for (int32_t i = 0; i < element->width; ++i) {
         mfli_update_saif_timing(element->bits[i], ticks);
         element->bits[i]->state = MFLI_STATE_X;

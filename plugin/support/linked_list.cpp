@@ -108,6 +108,22 @@ void list_move_handle(list_handle *handle, list *target) {
     mend_links_to(handle);
 }
 
+void list_move_all(list *source, list *target) {
+    if (source->head == nullptr) {
+        return;
+    }
+    for (list_handle *handle = source->head; handle != nullptr; handle = handle->next) {
+        handle->list = target;
+    }
+    source->tail->next = target->head;
+    (target->head != nullptr ? target->head->prev : target->tail) = source->tail;
+    target->head = source->head;
+    target->length += source->length;
+    source->head = nullptr;
+    source->tail = nullptr;
+    source->length = 0;
+}
+
 list *list_split(list_handle *handle) {
     list *container = handle->list;
     list *before = list_alloc();

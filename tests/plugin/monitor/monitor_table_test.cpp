@@ -15,7 +15,7 @@ TEST_F(Recorder, MakesElementsThatBeginWithNothingCounted) {
     MonitorElement *element = mfli_init_monitor_element(signal, "/top/n");
     EXPECT_EQ(element->signal, signal);
     EXPECT_EQ(element->width, 3);
-    EXPECT_EQ(MTI_TIME64_LO32(*element->last_change), 42U);
+    EXPECT_EQ(MTI_TIME64_LO32(element->last_change), 42U);
     EXPECT_EQ(element->dirty, 0);
     EXPECT_EQ(element->aliases, nullptr);
     MonitorBit *bits = mfli_monitor_bits(element);

@@ -291,6 +291,27 @@ TEST(LinkedList, CopiesJoinsSplitsAndMoves) {
     EXPECT_EQ(read_and_free(target), (Items{8, 5, 44}));
 }
 
+TEST(LinkedList, MovesHeadsAndWholeLists) {
+    list *source = make({1, 2, 3});
+    list *target = make({});
+    list_handle *first = source->head;
+    list_move_head(source, target);
+    list_move_head(source, target);
+    EXPECT_EQ(target->head, first);
+    EXPECT_EQ(read(source), (Items{3}));
+    EXPECT_EQ(read(target), (Items{1, 2}));
+    list_move_head(source, target);
+    EXPECT_EQ(read(source), Items{});
+    list_move_all(source, target);
+    EXPECT_EQ(read(target), (Items{1, 2, 3}));
+    list_move_all(target, source);
+    EXPECT_EQ(read(target), Items{});
+    list_append(target, nullptr);
+    list_move_all(target, source);
+    EXPECT_EQ(read_and_free(target), Items{});
+    EXPECT_EQ(read_and_free(source), (Items{0, 1, 2, 3}));
+}
+
 TEST(LinkedList, UnlinksAndRelinksAnyPlace) {
     for (int32_t place = 0; place < 3; ++place) {
         list *items = make({10, 11, 12});
