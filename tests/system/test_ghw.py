@@ -13,7 +13,7 @@ import tempfile
 import unittest
 
 from compare_saif import FIELDS, Report
-from programs import HERE, WFSIM, must, run, without_date
+from programs import HERE, ROOT, UART, WFSIM, must, run, without_date
 
 # The windows of types.vhd.
 SCRIPT = """set_toggle_region /dut
@@ -54,9 +54,9 @@ PORTS = {"/dut/u1/" + name for name in (
     [f"packet_in.left({i})" for i in range(4)] + [f"packet_in.mood({i})" for i in range(3)])}
 
 
-def simulate(source, top, folder, *options):
-    """Runs a design of this folder with GHDL: what it printed."""
-    must("ghdl", "-a", "--std=08", HERE / source, folder=folder)
+def simulate(sources, top, folder, *options):
+    """Runs a design with GHDL: what it printed."""
+    must("ghdl", "-a", "--std=08", *sources, folder=folder)
     must("ghdl", "-e", "--std=08", top, folder=folder)
     return must("ghdl", "-r", "--std=08", top, *options, folder=folder)
 
@@ -79,7 +79,7 @@ class Ghw(unittest.TestCase):
         cls.shared = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.shared.cleanup)
         folder = pathlib.Path(cls.shared.name)
-        printed = simulate("types.vhd", "dut", folder, "--wave=types.ghw", "--vcd=types.vcd")
+        printed = simulate([HERE / "types.vhd"], "dut", folder, "--wave=types.ghw", "--vcd=types.vcd")
         cls.counts = counted(printed)
         cls.ghw, cls.vcd = folder / "types.ghw", folder / "types.vcd"
 
@@ -123,6 +123,17 @@ class Ghw(unittest.TestCase):
             with self.subTest(path):
                 self.assertEqual(ghw.bits[path], vcd.bits[path])
 
+    def test_the_serial_port_in_vhdl_gives_one_report_by_both_routes(self):
+        example = ROOT / "examples" / "ghdl"
+        simulate([example / "uart.vhd", example / "uart_tb.vhd"], "tb", self.folder,
+                 "--wave=uart.ghw", "--vcd=uart.vcd")
+        bits = []
+        for waveform in ("uart.ghw", "uart.vcd"):
+            must(WFSIM, waveform, "-do", UART / "run.tcl", folder=self.folder)
+            bits.append(Report(self.folder / "uart.saif").bits)
+        self.assertGreater(len(bits[0]), 100)
+        self.assertEqual(bits[0], bits[1])
+
     def test_types_and_their_messages(self):
         shown, report = self.record(self.ghw)
         found = [line for line in shown.splitlines() if line.startswith(("Error", "Warning"))]
@@ -162,7 +173,7 @@ class Ghw(unittest.TestCase):
     @unittest.skipUnless(shutil.which("vcd2fst"), "vcd2fst is not installed (package gtkwave)")
     def test_fst_goes_through_the_converter(self):
         # Converters know four values only.
-        simulate("types.vhd", "dut", self.folder, "--vcd=types.vcd", "--vcd-4states")
+        simulate([HERE / "types.vhd"], "dut", self.folder, "--vcd=types.vcd", "--vcd-4states")
         must("vcd2fst", "types.vcd", "types.fst", folder=self.folder)
         refused = run(WFSIM, "types.fst", "-c", folder=self.folder)
         self.assertEqual(refused.returncode, 1)
