@@ -52,7 +52,8 @@ class Source {
     // before the next begins and before the return. Pass the largest Ticks to read to the end.
     virtual Progress advance_to(Kernel &kernel, Ticks limit, StopFlag stop) = 0;
 
-    // `file:line: expected X, got Y`; empty while nothing has gone wrong.
+    // `file:line: expected X, got Y`, in a binary format with a byte and a section instead of the
+    // line; empty while nothing has gone wrong.
     virtual const std::string &error() const = 0;
 
     virtual SourcePosition position() const = 0;
