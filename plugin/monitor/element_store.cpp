@@ -2,12 +2,15 @@
 // Two bump allocators, one for elements and one for names, emptied together.
 #include "plugin/monitor/element_store.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
 static constexpr size_t cache_line = 64;
-static constexpr size_t chunk_size = 256UL * 1024;
+static constexpr size_t small_chunk = 256UL * 1024;
+static constexpr size_t huge_page = 2UL * 1024 * 1024;
 
 struct Chunk {
     Chunk *next;
@@ -17,6 +20,7 @@ struct Store {
     Chunk *chunks;
     char *free;   // first byte not yet taken of the newest chunk
     size_t left;  // bytes from there on
+    size_t size;  // of all chunks
 };
 
 static Store elements;
@@ -27,10 +31,24 @@ static size_t round_up(size_t size, size_t step) {
     return (size + step - 1) / step * step;
 }
 
+// A large table in pages of the usual size has more of them than the processor's translation
+// buffers hold, and every changed element would wait for a page walk first. A table that has
+// outgrown small chunks therefore goes on in pages of the large size where the system has such.
+static Chunk *new_chunk(size_t taken, size_t *size) {
+    const bool is_huge = taken >= 2 * huge_page;
+    const size_t step = is_huge ? huge_page : cache_line;
+    *size = round_up(std::max(small_chunk, *size), step);
+    void *memory = aligned_alloc(step, *size);
+    if (is_huge && memory != nullptr) {
+        madvise(memory, *size, MADV_HUGEPAGE);
+    }
+    return static_cast<Chunk *>(memory);
+}
+
 // The chunk's own link takes a whole line, so that what follows it is aligned.
 static bool add_chunk(Store *store, size_t size) {
-    const size_t whole = std::max(chunk_size, round_up(size, cache_line) + cache_line);
-    auto *chunk = static_cast<Chunk *>(aligned_alloc(cache_line, whole));
+    size_t whole = size + cache_line;
+    Chunk *chunk = new_chunk(store->size, &whole);
     if (chunk == nullptr) {
         return false;
     }
@@ -38,6 +56,7 @@ static bool add_chunk(Store *store, size_t size) {
     store->chunks = chunk;
     store->free = reinterpret_cast<char *>(chunk) + cache_line;
     store->left = whole - cache_line;
+    store->size += whole;
     return true;
 }
 
