@@ -47,7 +47,10 @@ s_vpi_time time_record(Ticks time) {
 }
 
 vpiHandle call_back(PLI_INT32 reason, Callback function, Ticks delay, void *data) {
-    s_vpi_time time = time_record(delay);
+    // Icarus Verilog keeps the pointer of the request for the end of the simulation, and writes the
+    // time through it when that has come.
+    static s_vpi_time time;
+    time = time_record(delay);
     s_cb_data request{};
     request.reason = reason;
     request.cb_rtn = function;
