@@ -141,7 +141,8 @@ void Simulator::mark(Object &object) {
 void Simulator::mark_word(const Memory &memory, int32_t index) {
     const auto [lowest, highest] = std::minmax(memory.left, memory.right);
     if (index >= lowest && index <= highest) {
-        mark(objects_.list[memory.first_word + std::abs(index - memory.left)]);
+        const auto word = static_cast<uint32_t>(std::abs(index - memory.left));
+        mark(objects_.list[memory.first_word + word]);
     }
 }
 
