@@ -65,7 +65,7 @@ struct MonitorElement {
 // Promised, because a million watched bits are common and a change of level must not touch more
 // than the element's line and one more.
 static_assert(sizeof(void *) != 8 || sizeof(MonitorElement) == 64, "an element is one cache line");
-static_assert(sizeof(void *) != 8 || sizeof(MonitorBit) + sizeof(BitActivity *) <= 128,
+static_assert(sizeof(void *) != 8 || sizeof(MonitorBit) + sizeof(void *) <= 128,
               "a bit and its pointer are two lines");
 static_assert(sizeof(void *) != 8 ||
                   offsetof(MonitorBit, timing) + offsetof(saif_timing_attribute, tx) <= 64,
