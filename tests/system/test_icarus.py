@@ -6,9 +6,8 @@ run script and the system tasks, and what can go wrong."""
 import unittest
 
 from compare_saif import Report
-from inside import (DESIGNS, STILL_OPEN, Icarus, InsideCase, bases, environment, levels,
-                    script_for)
-from programs import UART, WFSIM, must, run, simulate_uart, without_date
+from inside import DESIGNS, STILL_OPEN, Icarus, InsideCase, bases, levels, script_for
+from programs import UART, WFSIM, must, simulate_uart, without_date
 
 # name: (generation, end of the run in ps)
 KINDS = {
@@ -37,14 +36,14 @@ PORTS = ["/tb/dut/clk", "/tb/dut/enable", "/tb/dut/in", "/tb/dut/low", "/tb/dut/
          "/tb/old/back", "/tb/old/clk"]
 
 # What a test bench would write instead of a script.
-TASKS = """
+TASKS = """`timescale 1ns / 1ps
 module record;
     initial begin
         $set_toggle_region("/tb/dut");
-        #1000 $toggle_start;
+        #%d $toggle_start;
         #40000 $toggle_stop;
-        $toggle_report("uart.saif", "1.0e-9", "/tb/dut");
-        $finish;
+        $toggle_report("out.saif", %s, "/tb/dut");
+        #1 $finish;
     end
 endmodule
 """
@@ -163,13 +162,17 @@ class SerialPort(InsideCase):
         self.assert_same_bits(self.folder / "out.saif", folder / "out.saif")
 
     def test_system_tasks(self):
-        self.simulate(self.uart, (UART / "run.tcl").read_text())
-        scripted = without_date(self.folder / "uart.saif")
-        (self.folder / "uart.saif").unlink()
-        (self.folder / "record.v").write_text("`timescale 1ns / 1ps\n" + TASKS)
-        simulator = Icarus(self.folder, UART / "uart.v", UART / "uart_tb.v", "record.v")
-        must(*simulator.command(), folder=self.folder, env=environment())
-        self.assertEqual(without_date(self.folder / "uart.saif"), scripted)
+        # On no edge of the clock and on one: a task acts when its time step has settled.
+        for start, unit in ((1000, '"1.0e-9"'), (1005, "1.0e-9")):
+            with self.subTest(start=start, unit=unit):
+                script = script_for([(start * 1000, (start + 40_000) * 1000)], "/tb/dut")
+                self.simulate(self.uart, script.replace("1.0e-12", "1.0e-9"))
+                scripted = without_date(self.folder / "out.saif")
+                (self.folder / "out.saif").unlink()
+                (self.folder / "record.v").write_text(TASKS % (start, unit))
+                simulator = Icarus(self.folder, UART / "uart.v", UART / "uart_tb.v", "record.v")
+                self.simulate(simulator, None)
+                self.assertEqual(without_date(self.folder / "out.saif"), scripted)
 
     def test_failures(self):
         for name, (script, plusargs, variables, status, told) in FAILURES.items():
