@@ -21,8 +21,40 @@ struct CloseFile {
     void operator()(std::FILE *file) const { std::fclose(file); }
 };
 
+// The characters that mean something anywhere; between them a report is long runs of names, figures
+// and blanks, and a large one is read back only as fast as those are passed over.
+constexpr std::array<bool, 256> make_marks() {
+    std::array<bool, 256> marks{};
+    for (const unsigned char mark : {'(', ')', '"', '\\'}) {
+        marks[mark] = true;
+    }
+    return marks;
+}
+constexpr std::array<bool, 256> is_mark = make_marks();
+
 class BracketCount {
   public:
+    void take(std::string_view text) {
+        for (size_t at = 0; at < text.size(); ++at) {
+            if (!escaped_ && !closed_) {
+                at = next_mark(text, at);
+                if (at == text.size()) {
+                    return;
+                }
+            }
+            take(text[at]);
+        }
+    }
+    bool complete() const { return closed_ && !closed_early_ && !quoted_; }
+    std::int64_t open() const { return open_; }
+
+  private:
+    static size_t next_mark(std::string_view text, size_t at) {
+        while (at < text.size() && !is_mark[static_cast<unsigned char>(text[at])]) {
+            ++at;
+        }
+        return at;
+    }
     void take(char c) {
         closed_early_ = closed_early_ || (closed_ && c != '\n');
         if (escaped_) {
@@ -37,10 +69,7 @@ class BracketCount {
             closed_ = --open_ == 0;
         }
     }
-    bool complete() const { return closed_ && !closed_early_ && !quoted_; }
-    std::int64_t open() const { return open_; }
 
-  private:
     std::int64_t open_ = 0;
     bool closed_ = false;
     bool closed_early_ = false;
@@ -68,9 +97,7 @@ std::string check_saif_file(const std::string &path) {
             return path + ": expected a report that begins with (SAIFILE, got something else";
         }
         first = false;
-        for (const char c : text) {
-            brackets.take(c);
-        }
+        brackets.take(text);
     }
     if (std::ferror(file.get()) != 0) {
         return path + ": cannot read it back: " + std::strerror(errno);
