@@ -66,10 +66,25 @@ def programs(build, waveform, folder):
     }
 
 
+def ghw_programs(build, waveform):
+    """The yardsticks read VCD: they take the one that the same simulation wrote."""
+    vcd = waveform.with_suffix(".vcd")
+    wfsim = build / "bin/wfsim"
+    record = ["-saif", "out.saif", "-instance", "/stages"]
+    return {
+        "wc -l": ["wc", "-l", vcd],
+        "bare": [build / "bin/bare_counter", vcd],
+        "all, VCD": [wfsim, vcd, *record],
+        "all, GHW": [wfsim, waveform, *record],
+        "nothing": [wfsim, waveform, "-do", "run -all; quit"],
+    }
+
+
 def rows_for(build, waveform, rounds):
     """The table rows of one waveform."""
     with tempfile.TemporaryDirectory() as folder:
-        commands = programs(build, waveform, folder)
+        commands = (ghw_programs(build, waveform) if waveform.suffix == ".ghw" else
+                    programs(build, waveform, folder))
         samples = {name: [] for name in commands}
         bits = {}
         for _ in range(rounds):
@@ -112,14 +127,16 @@ def main():
     parser.add_argument("--build", type=pathlib.Path, required=True)
     parser.add_argument("--data", type=pathlib.Path, required=True)
     parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--ghw", action="store_true", help="GHDL's waveforms, not Icarus Verilog's")
     parser.add_argument("sizes", nargs="+", help="megabytes")
     options = parser.parse_args()
     build, data = options.build.resolve(), options.data.resolve()
     print(f"{processor()}, {os.cpu_count()} processors; medians of {options.rounds} rounds")
     rows = [COLUMNS]
     for size in options.sizes:
-        for kind in KINDS:
-            rows += rows_for(build, data / f"{kind}_{size}.vcd", options.rounds)
+        names = [f"stages_{size}.ghw"] if options.ghw else [f"{kind}_{size}.vcd" for kind in KINDS]
+        for name in names:
+            rows += rows_for(build, data / name, options.rounds)
     print_table(rows)
 
 

@@ -8,9 +8,11 @@ set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 data=${WATTFORGE_BENCH_DATA:-$here/../build/bench}
 sizes=(20)
+ghw_sizes=(10)
 bits=(100000 1000000)
 if [ "${1:-}" = full ]; then
     sizes+=(300 1000)
+    ghw_sizes+=(100)
     bits+=(10000000)
 fi
 export PYTHONDONTWRITEBYTECODE=1
@@ -20,6 +22,9 @@ title() { printf '\n## %s\n\n' "$*"; }
 title "Replay of waveforms"
 "$here/make_waveforms.sh" "$data" "${sizes[@]}"
 python3 "$here/replay.py" --build "$WATTFORGE_BUILD" --data "$data" "${sizes[@]}"
+
+"$here/make_ghw.sh" "$data" "${ghw_sizes[@]}"
+python3 "$here/replay.py" --build "$WATTFORGE_BUILD" --data "$data" --ghw "${ghw_sizes[@]}"
 
 title "Recording inside Icarus Verilog"
 python3 "$here/in_simulator.py" --build "$WATTFORGE_BUILD"
