@@ -17,6 +17,7 @@ import statistics
 import subprocess
 import sys
 import tempfile
+import time
 
 import header
 
@@ -28,14 +29,18 @@ COLUMNS = ("waveform", "MB", "bits", "program", "CPU s", "wall s", "MB/s", "peak
 def measure(command, folder):
     """One run: (CPU seconds, wall seconds, peak bytes). GNU time starts it, since a process's peak
     begins with that of the one that it was forked from."""
-    figures = pathlib.Path(folder) / "time.txt"
-    done = subprocess.run(["time", "-f", "%U %S %e %M", "-o", figures, *command], cwd=folder,
-                          stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                          stderr=subprocess.PIPE, check=False)
-    if done.returncode != 0:
-        sys.exit(f"{' '.join(map(str, command))}: {done.stderr.decode()}")
-    user, system, wall, peak = map(float, figures.read_text().split())
-    return user + system, wall, peak * 1024
+    peak = pathlib.Path(folder) / "peak.txt"
+    started = time.perf_counter()
+    process = subprocess.Popen(["time", "-f", "%M", "-o", peak, *command], cwd=folder,
+                               stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                               stderr=subprocess.PIPE)
+    complaint = process.stderr.read()
+    _, status, usage = os.wait4(process.pid, 0)
+    wall = time.perf_counter() - started
+    process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        sys.exit(f"{' '.join(map(str, command))}: {complaint.decode()}")
+    return usage.ru_utime + usage.ru_stime, wall, int(peak.read_text()) * 1024
 
 
 def count_bits(report):
