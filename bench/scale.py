@@ -189,13 +189,15 @@ def main():
     parser.add_argument("bits", nargs="+", type=int, help="sizes of the design")
     options = parser.parse_args()
     print("nanoseconds of user CPU time a bit for each command, of system CPU time for all; bytes a bit")
-    rows = [["shape", "bits", "load", *PHASES, "system", "recording", "peak"]]
+    print_row(["shape", "bits", "load", *PHASES, "system", "recording", "peak"])
     for shape in options.shapes:
         for bits in options.bits:
-            rows.append(row_for(options.build.resolve(), shape, bits))
-    widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
-    for row in rows:
-        print("  ".join(cell.rjust(width) for cell, width in zip(row, widths)))
+            print_row(row_for(options.build.resolve(), shape, bits))
+
+
+def print_row(cells):
+    """At once: the large sizes take minutes."""
+    print(cells[0].rjust(5), cells[1].rjust(11), *(cell.rjust(9) for cell in cells[2:]), flush=True)
 
 
 if __name__ == "__main__":
