@@ -25,8 +25,8 @@ struct CloseFile {
 // and blanks, and a large one is read back only as fast as those are passed over.
 constexpr std::array<bool, 256> make_marks() {
     std::array<bool, 256> marks{};
-    for (const unsigned char mark : {'(', ')', '"', '\\'}) {
-        marks[mark] = true;
+    for (const char mark : {'(', ')', '"', '\\'}) {
+        marks[static_cast<unsigned char>(mark)] = true;
     }
     return marks;
 }

@@ -44,7 +44,7 @@ void *__wrap_realloc(void *block, size_t bytes) {
 
 namespace {
 
-constexpr int STEPS = 2000;
+constexpr wf::Ticks STEPS = 2000;
 constexpr int SCALARS = 60;
 constexpr int VECTORS = 9;
 constexpr int WIDTH = 37;
@@ -68,12 +68,13 @@ std::string waveform() {
         text += "$var wire 37 v" + std::to_string(i) + " v" + std::to_string(i) + " [36:0] $end\n";
     }
     text += "$upscope $end\n$enddefinitions $end\n";
-    for (int step = 0; step < STEPS; ++step) {
+    for (wf::Ticks step = 0; step < STEPS; ++step) {
         text += "#" + std::to_string(step * 10) + "\n";
         for (int i = 0; i < SCALARS; ++i) {
             if (step < 2 || random() % 3 == 0) {
-                text += std::string(1, "01xz"[step < 2 ? step : random() % 4]) + "s" +
-                        std::to_string(i) + "\n";
+                text +=
+                    std::string(1, "01xz"[step < 2 ? static_cast<uint64_t>(step) : random() % 4]) +
+                    "s" + std::to_string(i) + "\n";
             }
         }
         for (int i = 0; i < VECTORS; ++i) {
