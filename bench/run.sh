@@ -9,10 +9,12 @@ here=$(cd "$(dirname "$0")" && pwd)
 data=${WATTFORGE_BENCH_DATA:-$here/../build/bench}
 sizes=(20)
 ghw_sizes=(10)
+rounds=3
 bits=(100000 1000000)
 if [ "${1:-}" = full ]; then
     sizes+=(300 1000)
     ghw_sizes+=(100)
+    rounds=5
     bits+=(10000000)
 fi
 export PYTHONDONTWRITEBYTECODE=1
@@ -27,7 +29,7 @@ python3 "$here/replay.py" --build "$WATTFORGE_BUILD" --data "$data" "${sizes[@]}
 python3 "$here/replay.py" --build "$WATTFORGE_BUILD" --data "$data" --ghw "${ghw_sizes[@]}"
 
 title "Recording inside Icarus Verilog"
-python3 "$here/in_simulator.py" --build "$WATTFORGE_BUILD"
+python3 "$here/in_simulator.py" --build "$WATTFORGE_BUILD" --rounds "$rounds"
 
 title "Size of the design"
 python3 "$here/scale.py" --build "$WATTFORGE_BUILD" "${bits[@]}"
