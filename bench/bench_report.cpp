@@ -49,10 +49,10 @@ class Monitored {
         for (int64_t bit = 0; bit < bits; ++bit) {
             MonitorElement *element =
                 mfli_init_monitor_element(signal, bit_name(shape, bit, bits).c_str());
-            const saif_switching_attribute *record = element->bits[0]->switching;
-            record->timing->t0 = static_cast<double>(bit * 7919 % 2000000000);
-            record->timing->t1 = 2e9 - record->timing->t0;
-            record->toggle->tc = static_cast<double>(bit % 100000);
+            BitActivity *activity = mfli_bit(element, 0);
+            activity->t0 = static_cast<double>(bit * 7919 % 2000000000);
+            activity->t1 = 2e9 - activity->t0;
+            activity->tc = static_cast<double>(bit % 100000);
             st_insert_kptr_vptr(mfli_monitor_table, element, element);
         }
     }

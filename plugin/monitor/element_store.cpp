@@ -8,92 +8,124 @@
 #include <cstdlib>
 #include <cstring>
 
-static constexpr size_t cache_line = 64;
-static constexpr size_t small_chunk = 256UL * 1024;
-static constexpr size_t huge_page = 2UL * 1024 * 1024;
+static constexpr size_t HUGE_PAGE = 2UL * 1024 * 1024;
+static constexpr size_t NAME_BLOCK = 64UL * 1024;
 
-struct Chunk {
-    Chunk *next;
+// A block of names begins with its link to the one before.
+struct NameBlock {
+    NameBlock *next;
 };
 
-struct Store {
-    Chunk *chunks;
-    char *free;   // first byte not yet taken of the newest chunk
+struct ElementSpace {
+    MfliChunkFront *chunk;  // the one that is being filled
+    size_t line;            // its first line not yet taken
+    size_t spare_chunks;    // behind it in its block
+    void *blocks;           // all that were taken, the newest first
+    size_t taken;           // bytes
+};
+
+struct NameSpace {
+    NameBlock *blocks;
+    char *free;   // first byte not yet taken of the newest block
     size_t left;  // bytes from there on
-    size_t size;  // of all chunks
 };
 
-static Store elements;
-static Store names;
+static ElementSpace elements;
+static NameSpace names;
 static size_t live_elements;
-
-static size_t round_up(size_t size, size_t step) {
-    return (size + step - 1) / step * step;
-}
 
 // A large table in pages of the usual size has more of them than the processor's translation
 // buffers hold, and every changed element would wait for a page walk first. A table that has
-// outgrown small chunks therefore goes on in pages of the large size where the system has such.
-static Chunk *new_chunk(size_t taken, size_t *size) {
-    const bool is_huge = taken >= 2 * huge_page;
-    const size_t step = is_huge ? huge_page : cache_line;
-    *size = round_up(std::max(small_chunk, *size), step);
-    void *memory = aligned_alloc(step, *size);
-    if (is_huge && memory != nullptr) {
-        madvise(memory, *size, MADV_HUGEPAGE);
-    }
-    return static_cast<Chunk *>(memory);
-}
-
-// The chunk's own link takes a whole line, so that what follows it is aligned.
-static bool add_chunk(Store *store, size_t size) {
-    size_t whole = size + cache_line;
-    Chunk *chunk = new_chunk(store->size, &whole);
-    if (chunk == nullptr) {
+// outgrown small blocks therefore goes on in pages of the large size where the system has such.
+static bool add_block() {
+    const bool is_huge = elements.taken >= 2 * HUGE_PAGE;
+    const size_t size = is_huge ? HUGE_PAGE : MFLI_CHUNK;
+    void *memory = aligned_alloc(size, size);
+    if (memory == nullptr) {
         return false;
     }
-    chunk->next = store->chunks;
-    store->chunks = chunk;
-    store->free = reinterpret_cast<char *>(chunk) + cache_line;
-    store->left = whole - cache_line;
-    store->size += whole;
+    if (is_huge) {
+        madvise(memory, size, MADV_HUGEPAGE);
+    }
+    elements.chunk = static_cast<MfliChunkFront *>(memory);
+    elements.chunk->next_block = elements.blocks;
+    elements.blocks = memory;
+    elements.spare_chunks = size / MFLI_CHUNK - 1;
+    elements.taken += size;
     return true;
 }
 
-static char *take(Store *store, size_t size) {
-    if (size > store->left && !add_chunk(store, size)) {
+static bool begin_chunk() {
+    if (elements.spare_chunks > 0) {
+        --elements.spare_chunks;
+        elements.chunk = reinterpret_cast<MfliChunkFront *>(
+            reinterpret_cast<char *>(elements.chunk) + MFLI_CHUNK);
+    } else if (!add_block()) {
+        return false;
+    }
+    elements.line = MfliChunkFront::LINES;
+    return true;
+}
+
+static char *take_lines(size_t lines) {
+    const bool fits = elements.chunk != nullptr && elements.line + lines <= MFLI_CHUNK_LINES;
+    if (!fits && !begin_chunk()) {
         return nullptr;
     }
-    char *taken = store->free;
-    store->free += size;
-    store->left -= size;
+    char *taken = reinterpret_cast<char *>(elements.chunk) + elements.line * MFLI_LINE;
+    elements.line += lines;
     return taken;
 }
 
-static void release(Store *store) {
-    while (store->chunks != nullptr) {
-        Chunk *chunk = store->chunks;
-        store->chunks = chunk->next;
-        free(chunk);
+static char *take_text(size_t size) {
+    if (size > names.left) {
+        const size_t room = std::max(NAME_BLOCK, size + sizeof(NameBlock));
+        auto *block = static_cast<NameBlock *>(malloc(room));
+        if (block == nullptr) {
+            return nullptr;
+        }
+        block->next = names.blocks;
+        names.blocks = block;
+        names.free = reinterpret_cast<char *>(block + 1);
+        names.left = room - sizeof(NameBlock);
     }
-    *store = Store{};
+    char *taken = names.free;
+    names.free += size;
+    names.left -= size;
+    return taken;
 }
 
-void *mfli_store_element(size_t size, const char *text, char **name) {
-    const size_t text_size = strlen(text) + 1;
-    char *copy = take(&names, text_size);
-    char *element = copy == nullptr ? nullptr : take(&elements, round_up(size, cache_line));
+static void release_all() {
+    while (elements.blocks != nullptr) {
+        void *block = elements.blocks;
+        elements.blocks = static_cast<MfliChunkFront *>(block)->next_block;
+        free(block);
+    }
+    while (names.blocks != nullptr) {
+        NameBlock *block = names.blocks;
+        names.blocks = block->next;
+        free(block);
+    }
+    elements = ElementSpace{};
+    names = NameSpace{};
+}
+
+void *mfli_store_element(size_t size, const char *name) {
+    const size_t text_size = strlen(name) + 1;
+    char *copy = take_text(text_size);
+    char *element = copy == nullptr ? nullptr : take_lines((size + MFLI_LINE - 1) / MFLI_LINE);
     if (element == nullptr) {
         return nullptr;
     }
-    *name = static_cast<char *>(memcpy(copy, text, text_size));
+    memcpy(copy, name, text_size);
+    mfli_chunk_of(element)->names[mfli_line_of(element) - MfliChunkFront::LINES] = copy;
+    *mfli_dirty_mark(element) = 0;
     ++live_elements;
     return memset(element, 0, size);
 }
 
 void mfli_unstore_element() {
     if (--live_elements == 0) {
-        release(&elements);
-        release(&names);
+        release_all();
     }
 }

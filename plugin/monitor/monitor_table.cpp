@@ -12,41 +12,31 @@
 
 st_table *mfli_monitor_table;
 
+// From element to its further names (a list of owned texts). Null until the first; most designs
+// have none.
+static st_table *aliases;
+
 void mfli_init_monitor_table() {
     mfli_monitor_table = st_alloc_abo(st_ptrcmp, st_ptrhash);
-}
-
-static void init_bit(MonitorBit *bit) {
-    saif_init_timing_attribute(&bit->timing);
-    saif_init_toggle_attribute(&bit->toggle);
-    saif_init_switching_attribute(&bit->switching);
-    bit->switching.timing = &bit->timing;
-    bit->switching.toggle = &bit->toggle;
-    bit->activity.switching = &bit->switching;
-    bit->activity.state = MFLI_STATE_X;
 }
 
 MonitorElement *mfli_init_monitor_element(mtiSignalIdT signal, const char *name) {
     const mtiTypeIdT type = mti_GetSignalType(signal);
     const int32_t type_code = mfli_get_scalar_signal_type(type);
     const int32_t width = mfli_get_scalar_signal_width(type, type_code);
-    const size_t per_bit = sizeof(void *) + sizeof(MonitorBit);
-    const size_t size = sizeof(MonitorElement) + static_cast<size_t>(width) * per_bit;
-    char *name_copy = nullptr;
-    auto *element = static_cast<MonitorElement *>(mfli_store_element(size, name, &name_copy));
+    const size_t size =
+        offsetof(MonitorElement, bits) + static_cast<size_t>(width) * sizeof(BitActivity);
+    auto *element = static_cast<MonitorElement *>(mfli_store_element(size, name));
     if (element == nullptr) {
         return nullptr;
     }
-    element->name = name_copy;
     element->signal = signal;
-    element->width = width;
-    element->type_code = type_code;
     mfli_stime(&element->last_change);
-    MonitorBit *bits = mfli_monitor_bits(element);
-    element->bits = reinterpret_cast<BitActivity **>(bits + width);
     for (int32_t i = 0; i < width; ++i) {
-        init_bit(&bits[i]);
-        element->bits[i] = &bits[i].activity;
+        BitActivity *bit = mfli_bit(element, i);
+        bit->width = static_cast<int16_t>(width);
+        bit->type_code = static_cast<int16_t>(type_code);
+        mfli_reset_bit(bit);
     }
     return element;
 }
@@ -55,7 +45,10 @@ void mfli_free_monitor_element(MonitorElement *element) {
     if (element == nullptr) {
         return;
     }
-    list_free(element->aliases, list_data_free);
+    void *names = nullptr;
+    if (aliases != nullptr && st_delete_kptr_vptr(aliases, element, nullptr, &names)) {
+        list_free(static_cast<list *>(names), list_data_free);
+    }
     mfli_unstore_element();
 }
 
@@ -70,9 +63,34 @@ saif_switching_attribute *init_saif_switching_struct() {
 }
 
 void free_saif_switching_struct(saif_switching_attribute *record) {
+    if (record == nullptr) {
+        return;
+    }
     saif_free_timing_attribute_struct(record->timing);
     saif_free_toggle_attribute_struct(record->toggle);
     saif_free_switching_attribute_struct(record);
+}
+
+void mfli_read_activity(const BitActivity *bit, saif_switching_attribute *record) {
+    record->timing->t1 = bit->t1;
+    record->timing->t0 = bit->t0;
+    record->timing->tx = bit->tx;
+    record->toggle->tc = bit->tc;
+    record->toggle->ig = bit->ig;
+}
+
+void mfli_reset_bit(BitActivity *bit) {
+    bit->state = MFLI_STATE_X;
+    bit->t1 = bit->t0 = bit->tx = 0.0;
+    bit->tc = bit->ig = 0.0;
+}
+
+list *mfli_element_aliases(const MonitorElement *element) {
+    void *names = nullptr;
+    if (aliases != nullptr) {
+        st_lookup_kptr_vptr(aliases, element, &names);
+    }
+    return static_cast<list *>(names);
 }
 
 static bool holds_text(list *texts, const char *text) {
@@ -85,15 +103,20 @@ static bool holds_text(list *texts, const char *text) {
 }
 
 void mfli_add_name_to_monitor(const char *name, MonitorElement *element) {
-    if (strcmp(name, element->name) == 0) {
+    if (strcmp(name, mfli_element_name(element)) == 0) {
         return;
     }
-    if (element->aliases == nullptr) {
-        element->aliases = list_alloc();
-    } else if (holds_text(element->aliases, name)) {
+    list *names = mfli_element_aliases(element);
+    if (names == nullptr) {
+        if (aliases == nullptr) {
+            aliases = st_alloc_abo(st_ptrcmp, st_ptrhash);
+        }
+        names = list_alloc();
+        st_insert_kptr_vptr(aliases, element, names);
+    } else if (holds_text(names, name)) {
         return;
     }
-    list_append(element->aliases, mfli_strdup(name));
+    list_append(names, mfli_strdup(name));
 }
 
 void mfli_visit_monitor_table(void (*visit)(MonitorElement *element, void *context),
@@ -117,6 +140,8 @@ void mfli_free_monitor_table() {
         [](MonitorElement *element, void *) { mfli_free_monitor_element(element); }, nullptr);
     st_free(mfli_monitor_table);
     mfli_monitor_table = nullptr;
+    st_free(aliases);
+    aliases = nullptr;
 }
 
 void mfli_print_monitor_table() {
@@ -133,19 +158,18 @@ void mfli_print_monitor_table() {
         nullptr);
 }
 
+// The bits' numbers within a declared range are not kept: msb and lsb are 0.
 void mfli_print_monitor_element(const MonitorElement *element) {
-    mfli_message("%16s, %d, %d, %d, %.2f, %d", element->name, element->width, element->msb,
-                 element->lsb, mfli_convert_time(&element->last_change), element->dirty);
+    mfli_message("%16s, %d, %d, %d, %.2f, %d", mfli_element_name(element), element->width(), 0, 0,
+                 mfli_convert_time(&element->last_change), *mfli_dirty_mark(element));
     print_saif_sa(element);
 }
 
 void print_saif_sa(const MonitorElement *element) {
-    for (int32_t i = 0; i < element->width; ++i) {
-        const BitActivity *bit = element->bits[i];
-        const saif_timing_attribute *timing = bit->switching->timing;
-        const saif_toggle_attribute *toggle = bit->switching->toggle;
-        mfli_message("\t\t%.2f %.2f %.2f %.2f %.2f, %d", timing->t0, timing->t1, timing->tx,
-                     toggle->tc, toggle->ig, bit->state);
+    for (int32_t i = 0; i < element->width(); ++i) {
+        const BitActivity *bit = mfli_bit(element, i);
+        mfli_message("\t\t%.2f %.2f %.2f %.2f %.2f, %d", bit->t0, bit->t1, bit->tx, bit->tc,
+                     bit->ig, bit->state);
     }
 }
 
@@ -154,7 +178,7 @@ void mfli_print_monitor_table_brief() {
     mfli_visit_monitor_table(
         [](MonitorElement *element, void *) {
             if (element != nullptr) {
-                mfli_print_text(element->name);
+                mfli_print_text(mfli_element_name(element));
             }
         },
         nullptr);

@@ -3,20 +3,20 @@
 // switching activity of each of its bits. Registration fills it, value changes and the counting
 // window update it, the report reads it.
 //
-// How an element lies in memory. One block, aligned to a cache line, holds in this order:
+// How an element lies in memory. Its lines hold what counting a change touches and no more:
 //
-//   MonitorElement | MonitorBit 0 | MonitorBit 1 | ... | bits[0..width-1]
+//   signal, last change | bit 0 | bit 1 | ...
 //
-// A one-bit signal, which nearly all are, takes three lines, of which a change of level touches
-// two: the element, and the first line of its bit, which holds the state, the counts and the
-// durations at 1 and at 0. The time at X lies with the pointers in the third. Blocks and names are
-// carved from large chunks (monitor/element_store.h), in the order of registration, which is also
-// the order in which the table is walked.
+// A one-bit signal, which nearly all are, is one cache line. Its name and its dirty mark lie at the
+// front of the chunk of memory that it stands in (monitor/element_store.h), its further names,
+// which hardly any signal has, in a table of their own. Elements lie in the order of registration,
+// which is also the order in which the table is walked.
 #ifndef WATTFORGE_PLUGIN_MONITOR_MONITOR_TABLE_H
 #define WATTFORGE_PLUGIN_MONITOR_MONITOR_TABLE_H
 
 #include <mti.h>
 
+#include "plugin/monitor/element_store.h"
 #include "plugin/saif/attributes.h"
 #include "plugin/support/hash_table.h"
 #include "plugin/support/linked_list.h"
@@ -34,48 +34,50 @@ enum : int32_t {
     MFLI_STATES = 5
 };
 
-// One watched bit.
+// One watched bit: its state and its activity. Width and type code are the element's, the same in
+// each of its bits; they stand here because the place is free and on the line.
 struct BitActivity {
-    int32_t state;                        // MFLI_STATE_*
-    saif_switching_attribute *switching;  // durations in ticks, counts; in the same MonitorBit
-};
-
-// A bit and its records, next to each other.
-struct MonitorBit {
-    BitActivity activity;
-    saif_toggle_attribute toggle;
-    saif_timing_attribute timing;
-    saif_switching_attribute switching;
+    int32_t state;      // MFLI_STATE_*
+    int16_t width;      // number of watched bits of the signal
+    int16_t type_code;  // scalar type code (select/types.h)
+    double t1;          // durations in ticks, as in saif_timing_attribute
+    double t0;
+    double tx;
+    double tc;  // counts, as in saif_toggle_attribute
+    double ig;
 };
 
 // One watched scalar signal.
 struct MonitorElement {
-    char *name;              // full name under which the signal was first registered; owned
     mtiSignalIdT signal;     // the simulator's handle, not owned
-    int32_t width;           // number of watched bits
-    int32_t msb;             // 0; printed only
-    int32_t lsb;             // 0; printed only
     mtiTime64T last_change;  // when the states last changed or the counting started
-    int32_t type_code;       // scalar type code (select/types.h)
-    int32_t dirty;           // non-zero while it waits in the changed list of the time step
-    BitActivity **bits;      // `width` of them, bit 0 first; owned
-    list *aliases;           // further full names (owned strings) in order; null until the first
+    BitActivity bits[1];     // as many as the signal has watched bits, bit 0 first
+
+    int32_t width() const { return bits[0].width; }
+    int32_t type_code() const { return bits[0].type_code; }
 };
 
 // Promised, because a million watched bits are common and a change of level must not touch more
-// than the element's line and one more.
-static_assert(sizeof(void *) != 8 || sizeof(MonitorElement) == 64, "an element is one cache line");
-static_assert(sizeof(void *) != 8 || sizeof(MonitorBit) + sizeof(void *) <= 128,
-              "a bit and its pointer are two lines");
-static_assert(sizeof(void *) != 8 ||
-                  offsetof(MonitorBit, timing) + offsetof(saif_timing_attribute, tx) <= 64,
-              "state, counts and the durations at 0 and 1 share a line");
+// than one line of the element.
+static_assert(sizeof(void *) != 8 || sizeof(MonitorElement) == MFLI_LINE,
+              "a one-bit element is one cache line");
+static_assert(sizeof(BitActivity) == 48, "a further bit is three quarters of one");
 
-// The records of all bits of an element, without a load from its `bits`: a counting step reaches
-// every line of an element at once.
-inline MonitorBit *mfli_monitor_bits(MonitorElement *element) {
-    return reinterpret_cast<MonitorBit *>(element + 1);
+// Bit `i` of the element, below its width.
+inline BitActivity *mfli_bit(MonitorElement *element, int32_t i) {
+    return static_cast<BitActivity *>(element->bits) + i;
 }
+inline const BitActivity *mfli_bit(const MonitorElement *element, int32_t i) {
+    return static_cast<const BitActivity *>(element->bits) + i;
+}
+
+// The full name under which the signal was first registered; the element's.
+inline const char *mfli_element_name(const MonitorElement *element) {
+    return mfli_stored_name(element);
+}
+
+// Its further full names (texts) in order; null when there is none. The element's.
+list *mfli_element_aliases(const MonitorElement *element);
 
 // From signal handle to MonitorElement, in order of registration. Null until set_toggle_region
 // creates it.
@@ -92,11 +94,16 @@ MonitorElement *mfli_init_monitor_element(mtiSignalIdT signal, const char *name)
 // Releases an element with all that it owns; null is ignored.
 void mfli_free_monitor_element(MonitorElement *element);
 
-// A switching record on its own, with its timing and toggle records, all as their init operations
-// leave them; free_saif_switching_struct releases the three. The records of an element are part of
-// its block and never passed to it.
+// A switching record with its timing and toggle records, all as their init operations leave them.
+// Memory is assumed to be had. free_saif_switching_struct releases the three and ignores null.
 saif_switching_attribute *init_saif_switching_struct();
 void free_saif_switching_struct(saif_switching_attribute *record);
+
+// Puts a bit's durations and counts into the switching record, for whoever prints them.
+void mfli_read_activity(const BitActivity *bit, saif_switching_attribute *record);
+
+// Puts a bit back to where it began: nothing counted, MFLI_STATE_X.
+void mfli_reset_bit(BitActivity *bit);
 
 // Records a further name of the element; one that it already has changes nothing.
 void mfli_add_name_to_monitor(const char *name, MonitorElement *element);

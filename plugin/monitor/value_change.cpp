@@ -10,15 +10,22 @@
 // 1 when something was marked in this time step and the counting has not run yet.
 static int32_t mfli_do_counting_process;
 
-static list *changed_list;  // elements marked in this step, in the order of their first event
-static list *trash_list;    // spare items; what they hold means nothing
+// Elements marked in this step, in the order of their first event, and spare items, which hold
+// nothing that means anything.
+//
+// An element takes the next spare item. The items that a step has taken stay where they are, at the
+// front of trash_list, up to next_spare: unlinking each into changed_list and back again at the end
+// of the step would cost more than counting what it stands for. Only when there is no spare one
+// left does changed_list get items of its own, new ones.
+static list *changed_list;
+static list *trash_list;
+static list_handle *next_spare;
 
-using Duration = double saif_timing_attribute::*;
+using Duration = double BitActivity::*;
 
 // The duration that each state's time goes to. Time in any of the unknown states is TX.
 static constexpr Duration duration_of_state[MFLI_STATES] = {
-    &saif_timing_attribute::t0, &saif_timing_attribute::t1, &saif_timing_attribute::tx,
-    &saif_timing_attribute::tx, &saif_timing_attribute::tx};
+    &BitActivity::t0, &BitActivity::t1, &BitActivity::tx, &BitActivity::tx, &BitActivity::tx};
 
 // What one new value does to a bit: its next state, and what is added to its counts.
 struct CountingRule {
@@ -62,28 +69,19 @@ static bool is_known_state(int32_t state) {
     return static_cast<uint32_t>(state) < MFLI_STATES;
 }
 
-static inline void credit(saif_timing_attribute *timing, int32_t state, double ticks) {
-    timing->*(is_known_state(state) ? duration_of_state[state] : &saif_timing_attribute::tx) +=
-        ticks;
+void mfli_update_saif_timing(BitActivity *bit, double ticks) {
+    bit->*(is_known_state(bit->state) ? duration_of_state[bit->state] : &BitActivity::tx) += ticks;
 }
 
 // A state beyond the known ones is left alone.
-static inline void count(saif_toggle_attribute *toggle, int32_t *state, int32_t value) {
-    if (!is_known_state(*state)) {
+void mfli_update_saif_toggles_and_state(BitActivity *bit, int32_t value) {
+    if (!is_known_state(bit->state)) {
         return;
     }
-    const CountingRule &rule = counting_rules[*state][value];
-    toggle->tc += rule.tc;
-    toggle->ig += rule.ig;
-    *state = rule.next;
-}
-
-void mfli_update_saif_timing(BitActivity *bit, double ticks) {
-    credit(bit->switching->timing, bit->state, ticks);
-}
-
-void mfli_update_saif_toggles_and_state(BitActivity *bit, int32_t value) {
-    count(bit->switching->toggle, &bit->state, value);
+    const CountingRule &rule = counting_rules[bit->state][value];
+    bit->tc += rule.tc;
+    bit->ig += rule.ig;
+    bit->state = rule.next;
 }
 
 void mfli_process_event(void *parameter) {
@@ -91,85 +89,85 @@ void mfli_process_event(void *parameter) {
         return;
     }
     auto *element = static_cast<MonitorElement *>(parameter);
-    if (mfli_debug_level > 1) {
-        mfli_message("Processing event on signal: %s", element->name);
+    if (mfli_debug_level > 1) [[unlikely]] {
+        mfli_message("Processing event on signal: %s", mfli_element_name(element));
     }
-    if (element->dirty == 0) {
-        element->dirty = 1;
+    uint8_t *dirty = mfli_dirty_mark(element);
+    if (*dirty == 0) {
+        *dirty = 1;
         add_to_changed_list(element);
     }
     mfli_do_counting_process = 1;
 }
 
-// Inline in the walk over the changed elements, where nearly all have one bit.
-static inline void update_bits(MonitorElement *element, double ticks, int32_t value) {
-    MonitorBit *bits = mfli_monitor_bits(element);
-    int32_t i = 0;
-    do {
-        // The old state gets its time before the new value changes it, and every bit of a changed
-        // element gets it, changed or not, since the element's last change moves on for all.
-        credit(&bits[i].timing, bits[i].activity.state, ticks);
-        count(&bits[i].toggle, &bits[i].activity.state,
-              map_value_to_01x(element->type_code, value, i));
-    } while (++i < element->width);
+// The old state gets its time before the new value changes it, and every bit of a changed element
+// gets it, changed or not, since the element's last change moves on for all.
+static void update_bits(MonitorElement *element, double ticks, int32_t value) {
+    for (int32_t i = 0; i < element->width(); ++i) {
+        BitActivity *bit = mfli_bit(element, i);
+        mfli_update_saif_timing(bit, ticks);
+        mfli_update_saif_toggles_and_state(bit, map_value_to_01x(element->type_code(), value, i));
+    }
 }
 
 static inline void update_element(MonitorElement *element, const mtiTime64T *now) {
     const double ticks = mfli_ticks_between(element->last_change, *now);
-    update_bits(element, ticks, mti_GetSignalValue(element->signal));
-    if (mfli_debug_level > 1) {
-        mfli_message("Update SA = %s; Scalar/Enum; size %d", element->name, element->width);
+    const int32_t value = mti_GetSignalValue(element->signal);
+    BitActivity *bit = element->bits;
+    // The case that is nearly all of them: a std_logic that is at a level and was at one. What the
+    // rules say of it, without the table.
+    const uint32_t level = static_cast<uint32_t>(value) - MFLI_LOGIC9_0;
+    if (bit->type_code == MFLI_TYPE_LOGIC9 && (level | static_cast<uint32_t>(bit->state)) <= 1)
+        [[likely]] {
+        (bit->state != 0 ? bit->t1 : bit->t0) += ticks;
+        if (static_cast<uint32_t>(bit->state) != level) [[likely]] {
+            bit->tc += 1.0;
+            bit->state = static_cast<int32_t>(level);
+        }
+    } else {
+        update_bits(element, ticks, value);
     }
 }
 
 void update_saif_sa(MonitorElement *element, const mtiTime64T *now) {
     update_element(element, now);
+    if (mfli_debug_level > 1) {
+        mfli_message("Update SA = %s; Scalar/Enum; size %d", mfli_element_name(element),
+                     element->width());
+    }
 }
 
-// A large step changes more elements than the processor's caches hold. Both lines of one that comes
-// later in the list are asked for while earlier ones are counted, and then, when its element has
-// come, what stands behind the signal's handle: the simulator is about to look there.
-struct FetchAhead {
-    list_handle *element;
-    list_handle *signal;
+// The clear ones are those for which a window was opened, closed or reset since the event.
+static inline void count_if_dirty(MonitorElement *element, const mtiTime64T *now, bool is_traced) {
+    uint8_t *dirty = mfli_dirty_mark(element);
+    if (*dirty == 0) {
+        return;
+    }
+    if (is_traced) [[unlikely]] {
+        update_saif_sa(element, now);
+    } else {
+        update_element(element, now);
+    }
+    element->last_change = *now;
+    *dirty = 0;
+}
 
-    void fetch_element() {
-        if (element != nullptr) {
-            __builtin_prefetch(element->data, 1);
-            __builtin_prefetch(static_cast<MonitorElement *>(element->data) + 1, 1);
-            element = element->next;
+// From `first` to the handle before `end`. A large step changes more elements than the processor's
+// caches hold, so those that come later in the list are asked for while earlier ones are counted.
+static void count_items(list_handle *first, const list_handle *end, const mtiTime64T *now) {
+    constexpr int distance = 12;
+    const bool is_traced = mfli_debug_level > 1;
+    list_handle *ahead = first;
+    for (int i = 0; i < distance && ahead != end; ++i) {
+        __builtin_prefetch(ahead->data, 1);
+        ahead = ahead->next;
+    }
+    for (list_handle *handle = first; handle != end; handle = handle->next) {
+        if (ahead != end) {
+            __builtin_prefetch(ahead->data, 1);
+            ahead = ahead->next;
         }
-    }
-    void fetch_signal() {
-        if (signal != nullptr) {
-            __builtin_prefetch(static_cast<MonitorElement *>(signal->data)->signal);
-            signal = signal->next;
-        }
-    }
-};
-
-static void update_changed_elements() {
-    constexpr int element_distance = 12;
-    constexpr int signal_distance = 4;
-    const mtiTime64T now = mfli_now();
-    FetchAhead ahead{changed_list->head, changed_list->head};
-    for (int i = 0; i < element_distance; ++i) {
-        ahead.fetch_element();
-    }
-    for (int i = 0; i < signal_distance; ++i) {
-        ahead.fetch_signal();
-    }
-    for (list_walk walk(changed_list); walk; walk.step()) {
-        ahead.fetch_element();
-        ahead.fetch_signal();
-        auto *element = static_cast<MonitorElement *>(walk.item());
-        // Clear when a window was opened, closed or reset since the event.
-        if (element->dirty == 0) {
-            continue;
-        }
-        update_element(element, &now);
-        element->last_change = now;
-        element->dirty = 0;
+        count_if_dirty(static_cast<MonitorElement *>(handle->data), now, is_traced);
     }
 }
 
@@ -178,7 +176,9 @@ void mfli_update_event_count(void *) {
         return;
     }
     mfli_do_counting_process = 0;
-    update_changed_elements();
+    const mtiTime64T now = mfli_now();
+    count_items(trash_list->head, next_spare, &now);
+    count_items(changed_list->head, nullptr, &now);
     empty_changed_list();
     if (mfli_debug_level >= 3) {
         mfli_print_monitor_table();
@@ -205,21 +205,23 @@ void mfli_free_speed_lists() {
     list_free(trash_list, nullptr);
     changed_list = nullptr;
     trash_list = nullptr;
+    next_spare = nullptr;
 }
 
 void add_to_changed_list(MonitorElement *element) {
-    if (trash_list->head == nullptr) {
+    if (next_spare == nullptr) {
         list_append(changed_list, element);
         return;
     }
-    trash_list->head->data = element;
-    list_move_head(trash_list, changed_list);
+    next_spare->data = element;
+    next_spare = next_spare->next;
 }
 
-// The items come to the front of the spare ones, so that the next step takes the same ones again,
-// which the processor still has at hand.
+// The items come to the front of the spare ones: the next step takes the same ones again, which the
+// processor still has at hand.
 void empty_changed_list() {
     list_move_all(changed_list, trash_list);
+    next_spare = trash_list->head;
     if (mfli_debug_level > 1) {
         mfli_message("Time %f, trash_list %d, changed_list %d", mfli_current_ticks(),
                      trash_list->length, changed_list->length);

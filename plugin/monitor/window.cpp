@@ -13,31 +13,29 @@ double mfli_window_time;
 int32_t mfli_overflow_flag;
 
 static void open_element(MonitorElement *element, void *now) {
-    element->dirty = 0;
+    *mfli_dirty_mark(element) = 0;
     element->last_change = *static_cast<const mtiTime64T *>(now);
     const int32_t value = mti_GetSignalValue(element->signal);
-    for (int32_t i = 0; i < element->width; ++i) {
-        mfli_update_saif_toggles_and_state(element->bits[i],
-                                           map_value_to_01x(element->type_code, value, i));
+    for (int32_t i = 0; i < element->width(); ++i) {
+        mfli_update_saif_toggles_and_state(mfli_bit(element, i),
+                                           map_value_to_01x(element->type_code(), value, i));
     }
 }
 
 static void close_element(MonitorElement *element, void *now) {
-    element->dirty = 0;
+    *mfli_dirty_mark(element) = 0;
     const double ticks =
         mfli_ticks_between(element->last_change, *static_cast<const mtiTime64T *>(now));
-    for (int32_t i = 0; i < element->width; ++i) {
-        mfli_update_saif_timing(element->bits[i], ticks);
-        element->bits[i]->state = MFLI_STATE_X;
+    for (int32_t i = 0; i < element->width(); ++i) {
+        mfli_update_saif_timing(mfli_bit(element, i), ticks);
+        mfli_bit(element, i)->state = MFLI_STATE_X;
     }
 }
 
 static void reset_element(MonitorElement *element, void *) {
-    element->dirty = 0;
-    for (int32_t i = 0; i < element->width; ++i) {
-        saif_init_timing_attribute(element->bits[i]->switching->timing);
-        saif_init_toggle_attribute(element->bits[i]->switching->toggle);
-        element->bits[i]->state = MFLI_STATE_X;
+    *mfli_dirty_mark(element) = 0;
+    for (int32_t i = 0; i < element->width(); ++i) {
+        mfli_reset_bit(mfli_bit(element, i));
     }
 }
 

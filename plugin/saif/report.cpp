@@ -45,8 +45,8 @@ static SaifTree *create_tree() {
     trace("Starting saifout_create_tree");
     SaifTree *tree = saifout_create_tree(nullptr, nullptr, nullptr, nullptr);
     trace("Starting registering print functions");
-    saifout_register_net_print_function(tree, net_print);
-    saifout_register_port_print_function(tree, net_print);
+    saifout_register_net_print_function(tree, bit_print);
+    saifout_register_port_print_function(tree, bit_print);
     saifout_register_node_print_function(tree, node_print);
     return tree;
 }
@@ -80,10 +80,12 @@ int saif_process(FILE *stream, double unit_exponent, const char *instance) {
     SaifTree *tree = create_tree();
     int cause = ENOMEM;
     int written = 0;
+    begin_bit_print();
     if (tree != nullptr && fill_tree(instance, tree)) {
         written = write_tree(stream, unit_exponent, tree);
         cause = errno;
     }
+    end_bit_print();
     trace("Starting saifout_free_tree");
     saifout_free_tree(tree);
     errno = cause;

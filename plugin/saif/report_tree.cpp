@@ -16,23 +16,25 @@
 static char rtl_prefix[] = "top";
 static constexpr size_t RTL_PREFIX_LENGTH = sizeof rtl_prefix - 1;
 
+// What the writer sees of the bit that is being printed: one record for all bits of a report.
+static saif_switching_attribute *printed_activity;
+
 int signal_is_port(mtiSignalIdT signal) {
     const mtiDirectionT mode = mti_GetSignalMode(signal);
     return mode == MTI_DIR_IN || mode == MTI_DIR_OUT || mode == MTI_DIR_INOUT;
 }
 
 // The name of bit `i`, owned by the caller: an element of one bit has no index.
-static char *bit_name(const MonitorElement *element, const char *name, int32_t i) {
-    return element->width == 1 ? mfli_strdup(name) : mfli_add_index_to_name(name, i);
+static char *bit_name(MonitorElement *element, const char *name, int32_t i) {
+    return element->width() == 1 ? mfli_strdup(name) : mfli_add_index_to_name(name, i);
 }
 
-static int insert_bit(const MonitorElement *element, int32_t i, const char *name, int is_port,
+static int insert_bit(MonitorElement *element, int32_t i, const char *name, int is_port,
                       SaifTree *tree) {
-    return saifout_insert_port_net_full_hier(name, element->bits[i]->switching, is_port, tree);
+    return saifout_insert_port_net_full_hier(name, mfli_bit(element, i), is_port, tree);
 }
 
-int insert_subelements_into_saif_tree(const MonitorElement *element, const char *name,
-                                      SaifTree *tree) {
+int insert_subelements_into_saif_tree(MonitorElement *element, const char *name, SaifTree *tree) {
     // The brackets once for all bits: what an index adds has parentheses already.
     char *gate_name = mfli_strdup(name);
     if (gate_name == nullptr) {
@@ -41,7 +43,7 @@ int insert_subelements_into_saif_tree(const MonitorElement *element, const char 
     mfli_convert_squareb_to_paren(gate_name);
     const int is_port = signal_is_port(element->signal);
     int complete = 1;
-    for (int32_t i = 0; i < element->width; i++) {
+    for (int32_t i = 0; i < element->width(); i++) {
         char *bit = bit_name(element, gate_name, i);
         complete &= insert_bit(element, i, bit, is_port, tree);
         free(bit);
@@ -98,8 +100,8 @@ static SaifTreeNode *virtual_instance(const char *path, int32_t kind, SaifTree *
     return node;
 }
 
-static int add_virtual_port(const char *full_name, int32_t kind,
-                            saif_switching_attribute *switching, SaifTree *tree) {
+static int add_virtual_port(const char *full_name, int32_t kind, BitActivity *activity,
+                            SaifTree *tree) {
     char *path = nullptr;
     char *leaf = nullptr;
     if (!mfli_split_path_and_name(full_name, &path, &leaf)) {
@@ -107,7 +109,7 @@ static int add_virtual_port(const char *full_name, int32_t kind,
     }
     dstring *name = string_alloc(leaf);
     const int entered = saifout_insert_port_net_at_this_level(virtual_instance(path, kind, tree),
-                                                              name, switching, 1);
+                                                              name, activity, 1);
     string_free(name);
     free(path);
     free(leaf);
@@ -118,7 +120,7 @@ static int add_virtual_port(const char *full_name, int32_t kind,
 // of the forward file: less that instance's three characters it begins with '/', so it is put
 // straight behind the testbench path, as registration does with the first name.
 int add_to_rtl_saif_tree(const RtlObject *object, const char *path_key, const char *,
-                         saif_switching_attribute *switching, SaifTree *tree) {
+                         BitActivity *activity, SaifTree *tree) {
     if (string_len(object->second_full_name) < RTL_PREFIX_LENGTH) {
         return 1;
     }
@@ -129,30 +131,30 @@ int add_to_rtl_saif_tree(const RtlObject *object, const char *path_key, const ch
     }
     int complete = 1;
     if (object->kind == RTL_ORDINARY) {
-        complete = saifout_insert_port_net_full_hier(full_name, switching, 1, tree);
+        complete = saifout_insert_port_net_full_hier(full_name, activity, 1, tree);
     } else if (object->kind == RTL_SEQUENTIAL || object->kind == RTL_TRI_STATE) {
-        complete = add_virtual_port(full_name, object->kind, switching, tree);
+        complete = add_virtual_port(full_name, object->kind, activity, tree);
     }
     free(full_name);
     return complete;
 }
 
 static int add_all_objects(list *objects, const char *path_key, const char *instance,
-                           saif_switching_attribute *switching, SaifTree *tree) {
+                           BitActivity *activity, SaifTree *tree) {
     int complete = 1;
     for (list_walk walk(objects); walk; walk.step()) {
         const auto *object = static_cast<const RtlObject *>(walk.item());
-        complete &= add_to_rtl_saif_tree(object, path_key, instance, switching, tree);
+        complete &= add_to_rtl_saif_tree(object, path_key, instance, activity, tree);
     }
     return complete;
 }
 
-int insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const char *name,
+int insert_rtl_subelements_into_saif_tree(MonitorElement *element, const char *name,
                                           const char *instance, SaifTree *tree) {
     const int is_port = signal_is_port(element->signal);
     int complete = 1;
-    for (int32_t i = 0; i < element->width; i++) {
-        saif_switching_attribute *switching = element->bits[i]->switching;
+    for (int32_t i = 0; i < element->width(); i++) {
+        BitActivity *activity = mfli_bit(element, i);
         char *bit = bit_name(element, name, i);
         if (bit == nullptr) {
             return 0;
@@ -160,7 +162,7 @@ int insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const c
         const char *path_key = nullptr;
         list *objects = get_gate_name_list(bit, &path_key);
         if (objects != nullptr) {
-            complete &= add_all_objects(objects, path_key, instance, switching, tree);
+            complete &= add_all_objects(objects, path_key, instance, activity, tree);
         } else {
             // Unlike in the gate-level tree, an unmatched bit is written with square brackets.
             mfli_convert_paren_to_squareb(bit);
@@ -171,18 +173,18 @@ int insert_rtl_subelements_into_saif_tree(const MonitorElement *element, const c
     return complete;
 }
 
-typedef int (*EnterElement)(const MonitorElement *element, const char *name, const char *instance,
+typedef int (*EnterElement)(MonitorElement *element, const char *name, const char *instance,
                             SaifTree *tree);
 
-static int enter_under_gate_name(const MonitorElement *element, const char *name, const char *,
+static int enter_under_gate_name(MonitorElement *element, const char *name, const char *,
                                  SaifTree *tree) {
     return insert_subelements_into_saif_tree(element, name, tree);
 }
 
-static int enter_under_all_names(const MonitorElement *element, const char *instance,
-                                 SaifTree *tree, EnterElement enter) {
-    int complete = enter(element, element->name, instance, tree);
-    for (list_walk walk(element->aliases); walk; walk.step()) {
+static int enter_under_all_names(MonitorElement *element, const char *instance, SaifTree *tree,
+                                 EnterElement enter) {
+    int complete = enter(element, mfli_element_name(element), instance, tree);
+    for (list_walk walk(mfli_element_aliases(element)); walk; walk.step()) {
         complete &= enter(element, static_cast<const char *>(walk.item()), instance, tree);
     }
     return complete;
@@ -196,8 +198,9 @@ static int enter_all_elements(const char *instance, SaifTree *tree, EnterElement
     void *value = nullptr;
     st_generator *elements = st_init_gen(mfli_monitor_table);
     while (st_gen_kptr_vptr(elements, nullptr, &value)) {
-        const auto *element = static_cast<const MonitorElement *>(value);
-        if (element == nullptr || !mfli_first_in_second_region(element->name, instance)) {
+        auto *element = static_cast<MonitorElement *>(value);
+        if (element == nullptr ||
+            !mfli_first_in_second_region(mfli_element_name(element), instance)) {
             continue;
         }
         complete &= enter_under_all_names(element, instance, tree, enter);
@@ -267,6 +270,20 @@ void net_print(FILE *stream, const dstring *name, void *switching, double scale,
     record_put_blanks(&record, indentation);
     record_put(&record, ")\n");
     record_end(&record);
+}
+
+void begin_bit_print() {
+    printed_activity = init_saif_switching_struct();
+}
+
+void end_bit_print() {
+    free_saif_switching_struct(printed_activity);
+    printed_activity = nullptr;
+}
+
+void bit_print(FILE *stream, const dstring *name, void *activity, double scale, int indentation) {
+    mfli_read_activity(static_cast<const BitActivity *>(activity), printed_activity);
+    net_print(stream, name, printed_activity, scale, indentation);
 }
 
 void node_print(FILE *stream, const dstring *name, void *node_info, int *indentation) {

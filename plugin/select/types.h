@@ -19,6 +19,9 @@ enum : int32_t {
     MFLI_TYPE_ENUM = 3  // every other enumeration, BOOLEAN included
 };
 
+// Where the nine values have '0'; '1' follows.
+inline constexpr int32_t MFLI_LOGIC9_0 = 2;
+
 // Logic states that a value maps to. Bit states (monitor/monitor_table.h) begin with the same
 // three.
 enum : int32_t { MFLI_LOGIC_0 = 0, MFLI_LOGIC_1 = 1, MFLI_LOGIC_X = 2 };
@@ -49,8 +52,10 @@ int32_t mfli_map_unmapped_type();
 inline int32_t map_value_to_01x(int32_t code, int32_t value, int32_t bit) {
     switch (code) {
         case MFLI_TYPE_LOGIC9:
-            // '0' is at position 2 and '1' at 3. The weak levels 'L' and 'H' count as unknown.
-            return value == 2 ? MFLI_LOGIC_0 : value == 3 ? MFLI_LOGIC_1 : MFLI_LOGIC_X;
+            // The weak levels 'L' and 'H' count as unknown.
+            return value == MFLI_LOGIC9_0       ? MFLI_LOGIC_0
+                   : value == MFLI_LOGIC9_0 + 1 ? MFLI_LOGIC_1
+                                                : MFLI_LOGIC_X;
         case MFLI_TYPE_BIT:
             return value != 0 ? MFLI_LOGIC_1 : MFLI_LOGIC_0;
         case MFLI_TYPE_INTEGER:

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 
+#include "plugin/support/linked_list_handles.h"
 #include "plugin/support/utilities.h"
 
 list *list_alloc() {
@@ -21,7 +22,7 @@ void list_free(list *container, list_free_fn free_item) {
         if (free_item != nullptr) {
             free_item(handle->data);
         }
-        free(handle);
+        list_free_handle(handle);
         handle = next;
     }
     free(container);
@@ -44,7 +45,7 @@ static void mend_links_to(list_handle *handle) {
 }
 
 list_handle *list_insert_after_typeless(list *container, list_handle *handle, void *item) {
-    auto *inserted = static_cast<list_handle *>(malloc(sizeof(list_handle)));
+    list_handle *inserted = list_new_handle();
     inserted->data = item;
     inserted->next = handle != nullptr ? handle->next : container->head;
     inserted->prev = handle;
@@ -86,7 +87,7 @@ void *list_unlink_free(list_handle *handle) {
         container->dead = handle;
         handle->list = nullptr;
     } else {
-        free(handle);
+        list_free_handle(handle);
     }
     return item;
 }
@@ -165,7 +166,7 @@ void list_free_undead(list *container) {
     while (container->dead != nullptr) {
         list_handle *dead = container->dead;
         container->dead = static_cast<list_handle *>(dead->data);
-        free(dead);
+        list_free_handle(dead);
     }
 }
 

@@ -74,22 +74,6 @@ void *list_unlink_free(list_handle *handle);
 // Moves the handle itself to the tail of `target`; it stays valid.
 void list_move_handle(list_handle *handle, list *target);
 
-// Moves the head of `source`, which has one, to the tail of `target`. Inline, for it is done for
-// every value change.
-inline void list_move_head(list *source, list *target) {
-    list_handle *handle = source->head;
-    list_handle *next = handle->next;
-    source->head = next;
-    (next != nullptr ? next->prev : source->tail) = nullptr;
-    --source->length;
-    handle->list = target;
-    handle->next = nullptr;
-    handle->prev = target->tail;
-    (target->tail != nullptr ? target->tail->next : target->head) = handle;
-    target->tail = handle;
-    ++target->length;
-}
-
 // Moves all handles of `source`, in their order, in front of those of `target`.
 void list_move_all(list *source, list *target);
 

@@ -26,11 +26,12 @@ inline Lines watched() {
     Lines lines;
     mfli_visit_monitor_table(
         [](MonitorElement *element, void *context) {
-            std::string line = element->name;
-            for (list_walk walk(element->aliases); walk; walk.step()) {
+            std::string line = mfli_element_name(element);
+            for (list_walk walk(mfli_element_aliases(element)); walk; walk.step()) {
                 line += std::string("=") + static_cast<const char *>(walk.item());
             }
-            line += " " + std::to_string(element->type_code) + "/" + std::to_string(element->width);
+            line +=
+                " " + std::to_string(element->type_code()) + "/" + std::to_string(element->width());
             static_cast<Lines *>(context)->push_back(line);
         },
         &lines);
@@ -43,15 +44,14 @@ inline Lines activity() {
     Lines lines;
     mfli_visit_monitor_table(
         [](MonitorElement *element, void *context) {
-            for (int i = 0; i < element->width; ++i) {
-                const BitActivity &bit = *element->bits[i];
-                const saif_timing_attribute &timing = *bit.switching->timing;
-                const saif_toggle_attribute &toggle = *bit.switching->toggle;
+            for (int i = 0; i < element->width(); ++i) {
+                const BitActivity &bit = *mfli_bit(element, i);
                 char figures[200];
-                std::snprintf(figures, sizeof figures, " %g %g %g %g %g %d", timing.t0, timing.t1,
-                              timing.tx, toggle.tc, toggle.ig, bit.state);
-                const std::string number = element->width > 1 ? std::to_string(i) + ":" : "";
-                static_cast<Lines *>(context)->push_back(number + element->name + figures);
+                std::snprintf(figures, sizeof figures, " %g %g %g %g %g %d", bit.t0, bit.t1, bit.tx,
+                              bit.tc, bit.ig, bit.state);
+                const std::string number = element->width() > 1 ? std::to_string(i) + ":" : "";
+                static_cast<Lines *>(context)->push_back(number + mfli_element_name(element) +
+                                                         figures);
             }
         },
         &lines);

@@ -2,6 +2,7 @@
 // Elements: how they begin, how they lie in memory, their names and their listings.
 #include "plugin/monitor/monitor_table.h"
 
+#include "plugin/select/types.h"
 #include "tests/plugin/recorder.h"
 
 using ::testing::ElementsAre;
@@ -14,18 +15,12 @@ TEST_F(Recorder, MakesElementsThatBeginWithNothingCounted) {
     const mtiSignalIdT signal = sim.handle("/top/n");
     MonitorElement *element = mfli_init_monitor_element(signal, "/top/n");
     EXPECT_EQ(element->signal, signal);
-    EXPECT_EQ(element->width, 3);
     EXPECT_EQ(MTI_TIME64_LO32(element->last_change), 42U);
-    EXPECT_EQ(element->dirty, 0);
-    EXPECT_EQ(element->aliases, nullptr);
-    MonitorBit *bits = mfli_monitor_bits(element);
+    EXPECT_EQ(*mfli_dirty_mark(element), 0);
+    EXPECT_EQ(mfli_element_aliases(element), nullptr);
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(element->bits[i], &bits[i].activity);
-        EXPECT_EQ(bits[i].activity.switching, &bits[i].switching);
-        EXPECT_EQ(bits[i].switching.timing, &bits[i].timing);
-        EXPECT_EQ(bits[i].switching.toggle, &bits[i].toggle);
-        EXPECT_EQ(bits[i].toggle.marker, -1.0);
-        EXPECT_EQ(bits[i].timing.further[1], 0.0);
+        EXPECT_EQ(mfli_bit(element, i)->width, 3);
+        EXPECT_EQ(mfli_bit(element, i)->type_code, MFLI_TYPE_INTEGER);
     }
     st_insert_kptr_vptr(mfli_monitor_table, signal, element);
     EXPECT_THAT(activity(), ElementsAre("0:/top/n 0 0 0 0 0 2", "1:/top/n 0 0 0 0 0 2",
@@ -54,9 +49,15 @@ TEST_F(Recorder, KeepsEveryElementOnItsOwnCacheLines) {
         nullptr);
 }
 
-TEST_F(Recorder, KeepsSwitchingRecordsOfItsOwn) {
+TEST_F(Recorder, HandsABitsActivityOverInSwitchingRecords) {
+    const BitActivity bit{MFLI_STATE_1, 1, MFLI_TYPE_BIT, 1, 2, 3, 4, 5};
     saif_switching_attribute *record = init_saif_switching_struct();
-    EXPECT_EQ(record->timing->t1, 0.0);
+    mfli_read_activity(&bit, record);
+    EXPECT_EQ(record->timing->t1, 1);
+    EXPECT_EQ(record->timing->t0, 2);
+    EXPECT_EQ(record->timing->tx, 3);
+    EXPECT_EQ(record->toggle->tc, 4);
+    EXPECT_EQ(record->toggle->ig, 5);
     EXPECT_EQ(record->toggle->marker, -1.0);
     free_saif_switching_struct(record);
 }

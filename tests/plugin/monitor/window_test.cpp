@@ -67,7 +67,7 @@ TEST_F(Window, ClosesOverAPendingCount) {
     sim.run_to(10);
     mfli_process_event(element_of("/top/a"));
     mfli_stop(nullptr);
-    EXPECT_EQ(element_of("/top/a")->dirty, 0);
+    EXPECT_EQ(*mfli_dirty_mark(element_of("/top/a")), 0);
     sim.run_to(30);
     mfli_update_event_count(nullptr);
     EXPECT_THAT(activity(), ElementsAre("/top/a 10 0 0 0 0 2", "/top/b 10 0 0 0 0 2"));
