@@ -69,7 +69,8 @@ Signal *Design::add_signal(Region *region, std::string_view name, const Type *ty
     signal->type = type;
     signal->slot = slot;
     signal->index = signal_count();
-    declarations_.push_back({region, names_.store(name), mode});
+    declarations_.push_back({region, names_.store(name)});
+    modes_.push_back(mode);
     list_signal(region, signal, name);
     return signal;
 }

@@ -24,7 +24,7 @@ namespace wf {
 // brackets (a generate block's "slot[0]") is found by its name with parentheses too, since the
 // interface writes indices so.
 //
-// Memory, of a one-bit signal: 32 bytes for its handle, 24 for its declaration, 8 in its region's
+// Memory, of a one-bit signal: 32 bytes for its handle, 17 for its declaration, 8 in its region's
 // list, its name, and one slot. An element costs 32 bytes once it has been asked for, and its slot.
 class Design {
   public:
@@ -84,7 +84,7 @@ class Design {
     static const Signal *declared(const Signal *signal);
     Region *region_of(const Signal *signal) const { return declaration(signal).region; }
     char *name_of(const Signal *signal) const { return declaration(signal).name; }
-    Mode mode_of(const Signal *signal) const { return declaration(signal).mode; }
+    Mode mode_of(const Signal *signal) const { return modes_[declared(signal)->index]; }
     // Appends the signal as written in its region: "bus(3)", "rec.arr(0)".
     void append_indirect_name(const Signal *signal, std::string &text) const;
     // "/top/u1/bus(3)".
@@ -107,7 +107,6 @@ class Design {
     struct Declaration {
         Region *region;
         char *name;
-        Mode mode;
     };
 
     const Declaration &declaration(const Signal *signal) const {
@@ -132,6 +131,7 @@ class Design {
     NameIndex root_index_;
     bool roots_have_odd_names_ = false;
     std::vector<Declaration> declarations_;
+    std::vector<Mode> modes_;      // of the declarations
     std::vector<uint8_t> values_;  // eight bytes longer than the slots, for reads by the word
     Slot slot_count_ = 0;
     const Region *named_ = nullptr;  // the region whose full name is kept

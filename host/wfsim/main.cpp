@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // wfsim: a simulator whose events come from a recorded waveform. Here its parts are put together
 // in the order in which they need each other, and taken apart in the reverse one.
+#include <malloc.h>
 #include <tcl.h>
 #include <unistd.h>
 
@@ -232,7 +233,15 @@ int run(const Options &options) {
     return status;
 }
 
+// A design's tables grow by doubling, and each command over all bits makes lists as long. Without
+// this the C library would soon keep what they leave instead of giving it back.
+void give_large_blocks_back() {
+    constexpr int large = 1 << 20;
+    mallopt(M_MMAP_THRESHOLD, large);
+}
+
 int run_program(int count, char **words) {
+    give_large_blocks_back();
     Options options;
     const std::string error = parse_options(count, words, &options);
     if (!error.empty()) {

@@ -103,7 +103,7 @@ void IdTable::freeze(const std::vector<Target> &targets, std::vector<Target> ext
         order_ = largest_first <= largest_last ? Order::first_lowest : Order::last_lowest;
         fill_array(targets, largest);
     }
-    places_ = {};
+    places_ = std::vector<Place>();  // an empty list would leave the memory with it
     long_targets_ = long_codes_.empty() ? std::vector<Target>{} : targets;
     extra_ = std::move(extra);
     for (const std::vector<Target> *list : {&targets, &std::as_const(extra_)}) {
