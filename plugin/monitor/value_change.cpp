@@ -84,20 +84,31 @@ void mfli_update_saif_toggles_and_state(BitActivity *bit, int32_t value) {
     bit->state = rule.next;
 }
 
+static inline void mark(MonitorElement *element) {
+    mfli_do_counting_process = 1;
+    uint8_t *dirty = mfli_dirty_mark(element);
+    if (*dirty == 0) {
+        *dirty = 1;
+        add_to_changed_list(element);
+    }
+}
+
+[[gnu::noinline]] static void trace_and_mark(MonitorElement *element) {
+    mfli_message("Processing event on signal: %s", mfli_element_name(element));
+    mark(element);
+}
+
+// What is seldom needed ends in a call, so that the usual way saves no registers.
 void mfli_process_event(void *parameter) {
     if (!mfli_is_monitoring_window_active()) {
         return;
     }
     auto *element = static_cast<MonitorElement *>(parameter);
     if (mfli_debug_level > 1) [[unlikely]] {
-        mfli_message("Processing event on signal: %s", mfli_element_name(element));
+        trace_and_mark(element);
+    } else {
+        mark(element);
     }
-    uint8_t *dirty = mfli_dirty_mark(element);
-    if (*dirty == 0) {
-        *dirty = 1;
-        add_to_changed_list(element);
-    }
-    mfli_do_counting_process = 1;
 }
 
 // The old state gets its time before the new value changes it, and every bit of a changed element
@@ -119,7 +130,8 @@ static inline void update_element(MonitorElement *element, const mtiTime64T *now
     const uint32_t level = static_cast<uint32_t>(value) - MFLI_LOGIC9_0;
     if (bit->type_code == MFLI_TYPE_LOGIC9 && (level | static_cast<uint32_t>(bit->state)) <= 1)
         [[likely]] {
-        (bit->state != 0 ? bit->t1 : bit->t0) += ticks;
+        // By a table, since nobody could foresee the branch.
+        bit->*duration_of_state[bit->state] += ticks;
         if (static_cast<uint32_t>(bit->state) != level) [[likely]] {
             bit->tc += 1.0;
             bit->state = static_cast<int32_t>(level);
@@ -208,9 +220,13 @@ void mfli_free_speed_lists() {
     next_spare = nullptr;
 }
 
+[[gnu::noinline]] static void add_new_item(MonitorElement *element) {
+    list_append(changed_list, element);
+}
+
 void add_to_changed_list(MonitorElement *element) {
-    if (next_spare == nullptr) {
-        list_append(changed_list, element);
+    if (next_spare == nullptr) [[unlikely]] {
+        add_new_item(element);
         return;
     }
     next_spare->data = element;
