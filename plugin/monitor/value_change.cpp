@@ -121,8 +121,8 @@ static void update_bits(MonitorElement *element, double ticks, int32_t value) {
     }
 }
 
-static inline void update_element(MonitorElement *element, const mtiTime64T *now) {
-    const double ticks = mfli_ticks_between(element->last_change, *now);
+static inline void update_element(MonitorElement *element, mtiTime64T now) {
+    const double ticks = mfli_ticks_between(element->last_change, now);
     const int32_t value = mti_GetSignalValue(element->signal);
     BitActivity *bit = element->bits;
     // The case that is nearly all of them: a std_logic that is at a level and was at one. What the
@@ -141,7 +141,7 @@ static inline void update_element(MonitorElement *element, const mtiTime64T *now
     }
 }
 
-void update_saif_sa(MonitorElement *element, const mtiTime64T *now) {
+void update_saif_sa(MonitorElement *element, mtiTime64T now) {
     update_element(element, now);
     if (mfli_debug_level > 1) {
         mfli_message("Update SA = %s; Scalar/Enum; size %d", mfli_element_name(element),
@@ -150,7 +150,7 @@ void update_saif_sa(MonitorElement *element, const mtiTime64T *now) {
 }
 
 // The clear ones are those for which a window was opened, closed or reset since the event.
-static inline void count_if_dirty(MonitorElement *element, const mtiTime64T *now, bool is_traced) {
+static inline void count_if_dirty(MonitorElement *element, mtiTime64T now, bool is_traced) {
     uint8_t *dirty = mfli_dirty_mark(element);
     if (*dirty == 0) {
         return;
@@ -160,13 +160,13 @@ static inline void count_if_dirty(MonitorElement *element, const mtiTime64T *now
     } else {
         update_element(element, now);
     }
-    element->last_change = *now;
+    element->last_change = now;
     *dirty = 0;
 }
 
 // From `first` to the handle before `end`. A large step changes more elements than the processor's
 // caches hold, so those that come later in the list are asked for while earlier ones are counted.
-static void count_items(list_handle *first, const list_handle *end, const mtiTime64T *now) {
+static void count_items(list_handle *first, const list_handle *end, mtiTime64T now) {
     constexpr int distance = 12;
     const bool is_traced = mfli_debug_level > 1;
     list_handle *ahead = first;
@@ -189,8 +189,8 @@ void mfli_update_event_count(void *) {
     }
     mfli_do_counting_process = 0;
     const mtiTime64T now = mfli_now();
-    count_items(trash_list->head, next_spare, &now);
-    count_items(changed_list->head, nullptr, &now);
+    count_items(trash_list->head, next_spare, now);
+    count_items(changed_list->head, nullptr, now);
     empty_changed_list();
     if (mfli_debug_level >= 3) {
         mfli_print_monitor_table();

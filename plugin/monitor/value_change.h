@@ -21,7 +21,7 @@ void mfli_update_event_count(void *unused);
 
 // Brings one element up to date at the end of a step whose time is `now`: credits the ticks since
 // its last change to each bit's old state, then counts each bit's way to its new one.
-void update_saif_sa(MonitorElement *element, const mtiTime64T *now);
+void update_saif_sa(MonitorElement *element, mtiTime64T now);
 
 // Adds `ticks` to the duration that the bit's state stands for.
 void mfli_update_saif_timing(BitActivity *bit, double ticks);
