@@ -176,4 +176,10 @@ GhwReading read_ghw(const std::string &bytes, std::size_t block, std::size_t pie
     return reading;
 }
 
+std::string ghw_error(std::size_t offset, const std::string &message) {
+    const std::size_t colon = message.find(": ");
+    return "t.ghw: byte " + std::to_string(offset) + ", section " + message.substr(0, colon) +
+           ": expected " + message.substr(colon + 2);
+}
+
 }  // namespace wf::test

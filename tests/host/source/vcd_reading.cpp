@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -104,8 +103,7 @@ VcdReading read_vcd(const std::string &text, std::size_t block, std::size_t piec
 }
 
 std::string data_path(std::string_view name) {
-    const auto tests = std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
-    return (tests / "data" / name).string();
+    return std::string(TEST_DATA_DIR "/") += name;
 }
 
 std::string data_file(std::string_view name) {
