@@ -8,12 +8,11 @@ import pathlib
 import shutil
 import signal
 import subprocess
-import tempfile
 import termios
 import time
 import unittest
 
-from programs import BUILD, WFSIM, run
+from programs import BUILD, WFSIM, FolderCase, run
 
 HEADER = """$timescale 1 ns $end
 $scope module tb $end
@@ -88,12 +87,9 @@ ANSWERED = [
 ]
 
 
-class Folder(unittest.TestCase):
+class Folder(FolderCase):
     def setUp(self):
-        self.maxDiff = None
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        super().setUp()
         (self.folder / "t.vcd").write_text(HEADER + EVENTS)
 
     def expect(self, done, status, output, errors=""):
