@@ -12,6 +12,7 @@
 #include "plugin/support/hash_table.h"
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"
+#include "tests/plugin/report_text.h"
 #include "tests/support/memory_design.h"
 
 #include <sys/resource.h>
@@ -21,7 +22,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -32,12 +32,6 @@ using testing::IsEmpty;
 using testing::Not;
 
 namespace {
-
-std::string text_of(const std::string &path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
 
 // A plug-in in a picosecond simulator, and a folder of its own for files.
 struct Report : testing::Test {
@@ -79,17 +73,14 @@ struct Report : testing::Test {
     bool reported() const { return (mfli_window_active & MFLI_REPORT_WRITTEN) != 0; }
 
     // The body of a report of that instance: what follows the DURATION line, less the trailer, with
-    // each record in one line, (NAME T0 T1 TX TC IG); NetPrint below has records as they are.
+    // each record in one line; NetPrint below has records as they are.
     std::string body(const std::string &instance) {
         EXPECT_THAT(sim.output_of("toggle_report " + file + " 1.0e-9 " + instance),
                     ElementsAre("Information (KLVA-PWR): Report done, wrote file \"" + file +
                                 "\" at time 20000.000000"));
         const std::string text = text_of(file);
         const size_t start = text.find('\n', text.find("(DURATION")) + 1;
-        static const std::regex record(R"(\n +\(T0 (\S+)\.0+\) \(T1 (\S+)\.0+\) \(TX (\S+)\.0+\))"
-                                       R"(\n +\(TC (\S+)\.0+\) \(IG (\S+)\.0+\)\n +\))");
-        return std::regex_replace(text.substr(start, text.size() - start - 2), record,
-                                  " $1 $2 $3 $4 $5)");
+        return records_in_lines(text.substr(start, text.size() - start - 2));
     }
 };
 
