@@ -124,6 +124,9 @@ TEST(Sources, StopAtTheLimitWithAllThatHappenedThen) {
         EXPECT_EQ(replay.kernel->now(), 30);
         EXPECT_THAT(replay.steps, ElementsAre("10 0 1", "20 1 1", "30 1 0"));
         EXPECT_EQ(replay.source->position().last_time, 30);
+        Replay at_once = replay_of(format, format.whole);
+        EXPECT_EQ(at_once.to(20), Progress::reached);
+        EXPECT_EQ(at_once.values(), " 1 1");
     }
 }
 
