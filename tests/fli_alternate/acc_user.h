@@ -7,9 +7,10 @@
 extern "C" {
 #endif
 
+typedef int PLI_INT32;
 typedef void *handle;
 
-int acc_fetch_fulltype(handle object);
+PLI_INT32 acc_fetch_fulltype(handle object);
 
 #ifdef __cplusplus
 }

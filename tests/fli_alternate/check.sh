@@ -1,13 +1,31 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Builds the plug-in against the second set of interface headers and runs it in a small simulator
-# that is built against the same: check.sh BUILD_FOLDER
+# Builds the plug-in and the replaying host against the second set of interface headers and compares
+# what they tell and report with the plain build's, for every type that a GHW file can hold and
+# over times of more than 32 bits: check.sh PLAIN_BUILD_FOLDER
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
-folder=$1
+plain=$1
+alternate=$plain/alternate
 
-cmake -G Ninja -S "$here/../.." -B "$folder" -DFLI_INCLUDE_DIR="$here" -DWATTFORGE_HOSTS=OFF
-ninja -C "$folder" swfli
-"${CXX:-g++}" -std=c++20 -Wall -Wextra -O1 -g -isystem "$here" -o "$folder/mini_simulator" \
-    "$here/mini_simulator.cpp" -rdynamic -ldl
-"$folder/mini_simulator" "$folder/lib/libswfli.so" "$folder/report.saif"
+cmake -G Ninja -S "$here/../.." -B "$alternate" -DFLI_INCLUDE_DIR="$here" -DCMAKE_BUILD_TYPE=Debug \
+    -DWATTFORGE_HOSTS=ON -DWATTFORGE_TESTS=OFF -DWATTFORGE_BENCH=OFF
+ninja -C "$alternate" wfsim swfli
+
+# record BUILD_FOLDER WAVEFORM: the transcript and the report without its date
+record() {
+    "$1/bin/wfsim" "$2" -do 'set_net_monitoring_policy on /' -do "set_toggle_region /
+        run 10; toggle_start; run -all; toggle_stop; toggle_report $folder/saif 1.0e-9 /" &&
+        grep -v '^(DATE ' "$folder/saif"
+}
+
+folder=$(mktemp -d)
+trap 'rm -r "$folder"' EXIT
+sed 's/^#[1-9].*/&00000000/' "$here/../system/golden/small.vcd" >"$folder/long.vcd"
+for waveform in "$here/../data/kinds.ghw" "$folder/long.vcd"; do
+    record "$plain" "$waveform" >"$folder/plain"
+    grep -q 'INVALID_TYPE' "$folder/plain"
+    grep -q '(TC [1-9]' "$folder/plain"
+    record "$alternate" "$waveform" | diff "$folder/plain" -
+done
+echo "both sets of headers give the same reports"

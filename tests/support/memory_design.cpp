@@ -138,11 +138,6 @@ void MemorySimulator::run_to(Ticks time) {
     kernel_.advance(time);
 }
 
-std::string MemorySimulator::value(std::string_view path) {
-    const Signal &signal = find(path);
-    return value_text(*signal.type, kernel_.bytes(signal.slot));
-}
-
 void MemorySimulator::command(std::string_view line) {
     settle();
     const std::string_view name = line.substr(0, line.find(' '));

@@ -95,8 +95,6 @@ class MemorySimulator {
     // Lets what was set take effect: runs the processes of this step.
     void settle() { kernel_.finish_step(); }
     Ticks now() const { return kernel_.now(); }
-    // The value of an object as people read it: "10XZ", "idle", "42".
-    std::string value(std::string_view path);
 
     // --- plug-ins ---
     using InitFunction = void (*)(mtiRegionIdT, char *, mtiInterfaceListT *, mtiInterfaceListT *);

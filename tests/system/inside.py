@@ -5,12 +5,10 @@ and the comparison of what was recorded there with a replay of the waveform dump
 import os
 import pathlib
 import re
-import tempfile
-import unittest
 
 import count_vcd
 from compare_saif import Report
-from programs import BUILD, HERE, WFSIM, must, run
+from programs import BUILD, HERE, WFSIM, FolderCase, must, run
 
 DESIGNS = HERE / "designs"
 MODULES = BUILD / "lib"
@@ -75,20 +73,8 @@ def levels(shown):
             and not line.startswith("Note: GHDL shows")]
 
 
-class InsideCase(unittest.TestCase):
-    """Each test has a folder; each class has one in which its designs are compiled."""
-
-    maxDiff = None
-
-    @classmethod
-    def setUpClass(cls):
-        cls.shared = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(cls.shared.cleanup)
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+class InsideCase(FolderCase):
+    """Each class compiles its designs in the folder that its tests share."""
 
     def simulate(self, simulator, script, *plusargs, status=0, variables=(), **more):
         """Runs the design with the script (its text, None for none) and returns what was shown."""

@@ -5,6 +5,8 @@ import os
 import pathlib
 import re
 import subprocess
+import tempfile
+import unittest
 
 BUILD = pathlib.Path(os.environ["WATTFORGE_BUILD"])
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -25,6 +27,23 @@ def must(*command, folder, **more):
     if done.returncode != 0:
         raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}{done.stderr}")
     return done.stdout
+
+
+class FolderCase(unittest.TestCase):
+    """Each test has a folder of its own, each class one that its tests share."""
+
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        shared = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(shared.cleanup)
+        cls.shared = pathlib.Path(shared.name)
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
 
 
 def simulate_uart(folder):

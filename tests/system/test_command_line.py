@@ -8,12 +8,11 @@ import pathlib
 import shutil
 import signal
 import subprocess
-import tempfile
 import termios
 import time
 import unittest
 
-from programs import BUILD, WFSIM, run
+from programs import BUILD, WFSIM, FolderCase, run
 
 HEADER = """$timescale 1 ns $end
 $scope module tb $end
@@ -88,12 +87,9 @@ ANSWERED = [
 ]
 
 
-class Folder(unittest.TestCase):
+class Folder(FolderCase):
     def setUp(self):
-        self.maxDiff = None
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        super().setUp()
         (self.folder / "t.vcd").write_text(HEADER + EVENTS)
 
     def expect(self, done, status, output, errors=""):
@@ -124,10 +120,17 @@ class CommandLines(Folder):
                     START + "Error: several modules at the top; choose with -instance: /tb /glbl\n")
 
     def test_commands_from_standard_input(self):
-        self.expect(self.wfsim("t.vcd", input="proc p {} {\n puts [now]\n}\nrun 25\np\nnow\n"), 0,
-                    START + "25 ns\n")
-        self.expect(self.wfsim("t.vcd", input="now\n\nnonsense\nputs on\n"), 1,
-                    START + 'Error: <stdin>:3: invalid command name "nonsense"\n')
+        wrong = 'Error: <stdin>:%d: invalid command name "nonsense"\n'
+        for commands, status, output in [
+                ("proc p {} {\n puts [now]\n}\nrun 25\np\nnow\n", 0, "25 ns\n"),
+                ("puts {a\nb}\nputs c", 0, "a\nb\nc\n"),
+                ("now\n\nnonsense\nputs on\n", 1, wrong % 3),
+                ("if 1 {\n  puts a\n}\n\nif 1 {\n puts b\n nonsense\n}\nputs c\n", 1,
+                 "a\nb\n" + wrong % 5),
+                ("puts a\nputs {b\n", 1, "a\nError: <stdin>:2: missing close-brace\n"),
+                ("quit -code 9\nputs on\n", 9, "")]:
+            with self.subTest(commands):
+                self.expect(self.wfsim("t.vcd", input=commands), status, START + output)
 
     def test_the_plugin_is_found_where_installations_put_it(self):
         for program, library in (("bin", "lib"), ("flat", "flat")):

@@ -6,7 +6,7 @@ import pathlib
 import tempfile
 import unittest
 
-from programs import HERE, WFSIM, run, without_date
+from programs import HERE, WFSIM, FolderCase, run, without_date
 
 SMALL = HERE / "golden" / "small.vcd"
 RECORD = ["-saif", "out.saif", "-instance", "/top"]
@@ -34,7 +34,7 @@ DAMAGED = {
 }
 
 
-class Failures(unittest.TestCase):
+class Failures(FolderCase):
     def check(self, waveform, arguments, status, told, reported, folder):
         done = run(WFSIM, waveform, *arguments, folder=folder)
         shown = done.stdout + done.stderr
@@ -59,13 +59,12 @@ class Failures(unittest.TestCase):
 
     def test_what_was_recorded_before_the_damage_is_in_the_report(self):
         text = SMALL.read_text()
-        with tempfile.TemporaryDirectory() as folder:
-            reports = []
-            for waveform in (text[:text.index("#30")], text.replace("#30\n1!", "#25\n1~")):
-                pathlib.Path(folder, "small.vcd").write_text(waveform)
-                run(WFSIM, "small.vcd", *RECORD, folder=folder)
-                reports.append(without_date(pathlib.Path(folder, "out.saif")))
-            self.assertEqual(*reports)
+        reports = []
+        for waveform in (text[:text.index("#30")], text.replace("#30\n1!", "#25\n1~")):
+            (self.folder / "small.vcd").write_text(waveform)
+            run(WFSIM, "small.vcd", *RECORD, folder=self.folder)
+            reports.append(without_date(self.folder / "out.saif"))
+        self.assertEqual(*reports)
 
 
 if __name__ == "__main__":

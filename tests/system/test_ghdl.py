@@ -50,7 +50,7 @@ class Kinds(InsideCase):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.design = Ghdl(cls.shared.name, DESIGNS / "kinds.vhd")
+        cls.design = Ghdl(cls.shared, DESIGNS / "kinds.vhd")
 
     def test_every_bit(self):
         for part, windows in WINDOWS.items():
@@ -68,7 +68,7 @@ class Kinds(InsideCase):
 class SerialPort(InsideCase):
     def test_script_of_the_example(self):
         script = (UART / "run.tcl").read_text()
-        port = Ghdl(self.shared.name, VHDL_UART / "uart.vhd", VHDL_UART / "uart_tb.vhd")
+        port = Ghdl(self.shared, VHDL_UART / "uart.vhd", VHDL_UART / "uart_tb.vhd")
         self.simulate(port, script)
         inside = Report(self.folder / "uart.saif").bits
         # Another run, as `quit` ends this one before its last time step is dumped.

@@ -3,17 +3,12 @@
 """Replays waveforms of GHDL: against the count that the design made of itself in the same run,
 against the VCD file of that run, and every message about a type."""
 
-import bz2
-import gzip
-import pathlib
 import re
 import shutil
-import subprocess
-import tempfile
 import unittest
 
 from compare_saif import FIELDS, Report
-from programs import HERE, ROOT, UART, WFSIM, must, run, without_date
+from programs import HERE, ROOT, UART, WFSIM, FolderCase, must, run, without_date
 
 # The windows of types.vhd.
 SCRIPT = """set_toggle_region /dut
@@ -73,20 +68,17 @@ def counted(output):
 
 
 @unittest.skipUnless(shutil.which("ghdl"), "GHDL is not installed (package ghdl-mcode)")
-class Ghw(unittest.TestCase):
+class Ghw(FolderCase):
     @classmethod
     def setUpClass(cls):
-        cls.shared = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(cls.shared.cleanup)
-        folder = pathlib.Path(cls.shared.name)
+        super().setUpClass()
+        folder = cls.shared
         printed = simulate([HERE / "types.vhd"], "dut", folder, "--wave=types.ghw", "--vcd=types.vcd")
         cls.counts = counted(printed)
         cls.ghw, cls.vcd = folder / "types.ghw", folder / "types.vcd"
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        super().setUp()
         (self.folder / "run.tcl").write_text(SCRIPT)
 
     def record(self, waveform, **more):
@@ -147,13 +139,6 @@ class Ghw(unittest.TestCase):
     def test_every_way_in_gives_the_same_report(self):
         self.record(self.ghw)
         expected = without_date(self.folder / "out.saif")
-        content = self.ghw.read_bytes()
-        for name, packed in {"gzip": gzip.compress(content), "bzip2": bz2.compress(content)}.items():
-            with self.subTest(name):
-                (self.folder / "packed").write_bytes(packed)
-                (self.folder / "out.saif").unlink()
-                self.record("packed")
-                self.assertEqual(without_date(self.folder / "out.saif"), expected)
         with self.subTest("pipe"), open(self.ghw, encoding="latin-1") as pipe:
             (self.folder / "out.saif").unlink()
             self.record("-", stdin=pipe)
@@ -169,22 +154,6 @@ class Ghw(unittest.TestCase):
         self.assertEqual(done.returncode, 3, done.stdout)
         self.assertRegex(done.stdout, r"cut\.ghw: byte \d+, section CYC: expected .*end of file")
         self.assertGreater(len(Report(self.folder / "out.saif").bits), 400)
-
-    @unittest.skipUnless(shutil.which("vcd2fst"), "vcd2fst is not installed (package gtkwave)")
-    def test_fst_goes_through_the_converter(self):
-        # Converters know four values only.
-        simulate([HERE / "types.vhd"], "dut", self.folder, "--vcd=types.vcd", "--vcd-4states")
-        must("vcd2fst", "types.vcd", "types.fst", folder=self.folder)
-        refused = run(WFSIM, "types.fst", "-c", folder=self.folder)
-        self.assertEqual(refused.returncode, 1)
-        self.assertIn("types.fst: expected a VCD or GHW file (plain, or compressed with gzip or "
-                      "bzip2), got an FST file; fst2vcd FILE | wfsim - reads it", refused.stderr)
-        with subprocess.Popen(["fst2vcd", "types.fst"], cwd=self.folder, text=True,
-                              encoding="latin-1", stdout=subprocess.PIPE) as converter:
-            self.record("-", stdin=converter.stdout)
-        piped = without_date(self.folder / "out.saif")
-        self.record("types.vcd")
-        self.assertEqual(piped, without_date(self.folder / "out.saif"))
 
 
 if __name__ == "__main__":

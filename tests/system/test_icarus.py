@@ -108,7 +108,7 @@ FAILURES = {
 class Equality(InsideCase):
     def test_every_bit_of_every_design(self):
         for name, (generation, end) in KINDS.items():
-            simulator = Icarus(self.shared.name, DESIGNS / name, generation=generation)
+            simulator = Icarus(self.shared, DESIGNS / name, generation=generation)
             for part, windows in WINDOWS.items():
                 # Multiples of 100 ps, the coarsest resolution.
                 edges = [tuple(round(end * edge / 100) * 100 for edge in window)
@@ -119,13 +119,13 @@ class Equality(InsideCase):
 
 
     def test_directions_of_ports(self):
-        simulator = Icarus(self.shared.name, DESIGNS / "hierarchy.v")
+        simulator = Icarus(self.shared, DESIGNS / "hierarchy.v")
         self.simulate(simulator, script_for([(0, 1000)]))
         ports = Report(self.folder / "out.saif").ports
         self.assertEqual(bases(path for path in ports if path.startswith(PORTS_OF)), PORTS)
 
     def test_the_design_fails(self):
-        simulator = Icarus(self.shared.name, DESIGNS / "hierarchy.v")
+        simulator = Icarus(self.shared, DESIGNS / "hierarchy.v")
         shown = self.simulate(simulator, "set_toggle_region /tb/pins\ntoggle_start\nrun -all\n",
                               "+fail", status=1)
         self.assertEqual(levels(shown), [STILL_OPEN], shown)
@@ -140,8 +140,8 @@ class SerialPort(InsideCase):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        cls.vcd = simulate_uart(cls.shared.name)
-        cls.uart = Icarus(cls.shared.name, UART / "uart.v", UART / "uart_tb.v")
+        cls.vcd = simulate_uart(cls.shared)
+        cls.uart = Icarus(cls.shared, UART / "uart.v", UART / "uart_tb.v")
 
     def told(self, shown):
         return [line for line in shown.splitlines() if line.startswith("> ")]

@@ -5,11 +5,9 @@
 One script goes through a whole life; each row is a command and all that the transcript shows for it.
 """
 
-import pathlib
-import tempfile
 import unittest
 
-from programs import HERE, WFSIM, must
+from programs import HERE, WFSIM, FolderCase, must
 
 ERROR = "Error (KLVA-PWR): "
 DONE = "Information (KLVA-PWR): "
@@ -49,6 +47,10 @@ LIFE = [
      [DONE + 'Report done, wrote file "a.saif" at time 25.000000']),
     ("toggle_report b.saif 1.0e-9 /top",
      [DONE + 'Report done, wrote file "b.saif" at time 25.000000']),
+    ("toggle_start", [DONE + "Turned on counting window at time 25.000000"]),
+    ("toggle_report c.saif 1.0e-9 /top",
+     [ERROR + "toggle_stop must be done before toggle_report"]),
+    ("toggle_stop", [DONE + "Turned off counting window at time 25.000000"]),
     ("toggle_reset", [DONE + "Resetting counting windows at time 25.000000"]),
     ("toggle_reset", [ERROR + "toggle_report must be done before toggle_reset"]),
     ("toggle_report c.saif 1.0e-9 /top",
@@ -60,15 +62,13 @@ LIFE = [
 ]
 
 
-class Order(unittest.TestCase):
+class Order(FolderCase):
     def test_every_refusal(self):
-        self.maxDiff = None
-        with tempfile.TemporaryDirectory() as folder:
-            script = "".join(f"puts {{> {command}}}\n{command}\n" for command, _ in LIFE)
-            pathlib.Path(folder, "life.tcl").write_text(script + "puts end\n")
-            shown = must(WFSIM, HERE / "golden" / "small.vcd", "-do", "life.tcl", folder=folder)
-            saif = pathlib.Path(folder, "a.saif").read_text()
-            files = {path.name for path in pathlib.Path(folder).iterdir()}
+        script = "".join(f"puts {{> {command}}}\n{command}\n" for command, _ in LIFE)
+        (self.folder / "life.tcl").write_text(script + "puts end\n")
+        shown = must(WFSIM, HERE / "golden" / "small.vcd", "-do", "life.tcl", folder=self.folder)
+        saif = (self.folder / "a.saif").read_text()
+        files = {path.name for path in self.folder.iterdir()}
         expected = ["Kelvara power code initialized and linked successfully"]
         for command, lines in LIFE:
             expected += ["> " + command, *lines]

@@ -3,12 +3,10 @@
 """Replays a waveform made by Icarus Verilog and compares every figure with an independent count."""
 
 import gzip
-import pathlib
 import shutil
-import tempfile
 import unittest
 
-from programs import HERE, UART, WFSIM, must, run, simulate_uart, without_date
+from programs import HERE, UART, WFSIM, FolderCase, must, run, simulate_uart, without_date
 
 REPORT = "toggle_report out.saif 1.0e-9 /tb/dut\n"
 
@@ -48,20 +46,11 @@ SCRIPTS = {
 }
 
 
-class Replay(unittest.TestCase):
+class Replay(FolderCase):
     @classmethod
     def setUpClass(cls):
-        cls.shared = tempfile.TemporaryDirectory()
-        cls.vcd = simulate_uart(cls.shared.name)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.shared.cleanup()
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        super().setUpClass()
+        cls.vcd = simulate_uart(cls.shared)
 
     def compare(self, report, windows, further=(), vcd=None):
         window_arguments = [word for window in windows for word in ("--window", *window)]

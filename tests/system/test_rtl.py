@@ -2,11 +2,9 @@
 # SPDX-License-Identifier: Apache-2.0
 """From a forward file to the report under RTL names, with the built programs."""
 
-import pathlib
-import tempfile
 import unittest
 
-from programs import HERE, ROOT, WFSIM, must, run, without_date
+from programs import HERE, ROOT, WFSIM, FolderCase, must, run, without_date
 
 EXAMPLE = ROOT / "examples" / "rtl"
 WINDOW = ["--window", "25ns", "525ns"]
@@ -19,23 +17,17 @@ COUNT = HEADER + '(INSTANCE top (NET (count[0] r0/Q "sequential") (count[1] r1/Q
 GRANT = HEADER + '(INSTANCE top (PORT (grant grant) (count[0] again))))\n'
 
 
-class RtlFlow(unittest.TestCase):
+class RtlFlow(FolderCase):
     @classmethod
     def setUpClass(cls):
-        cls.shared = tempfile.TemporaryDirectory()
+        super().setUpClass()
         must("iverilog", "-g2005", "-o", "s.vvp", *sorted(EXAMPLE.glob("*.v")),
-             folder=cls.shared.name)
-        must("vvp", "-n", "s.vvp", "+vcd", folder=cls.shared.name)
-        cls.vcd = pathlib.Path(cls.shared.name) / "sensor_bus.vcd"
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.shared.cleanup()
+             folder=cls.shared)
+        must("vvp", "-n", "s.vvp", "+vcd", folder=cls.shared)
+        cls.vcd = cls.shared / "sensor_bus.vcd"
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        super().setUp()
         self.forward = self.write("sensor_bus.fsaif", (EXAMPLE / "sensor_bus.fsaif").read_text())
         self.write("count.fsaif", COUNT)
         self.write("grant.fsaif", GRANT)
@@ -59,7 +51,6 @@ class RtlFlow(unittest.TestCase):
         return done.stdout
 
     def test_the_example(self):
-        self.maxDiff = None
         must(WFSIM, self.vcd, "-do", EXAMPLE / "run.tcl", folder=self.folder)
         arguments = ("sensor_bus.saif", self.forward, "/tb/dut", "--on", "/tb/dut/u_arbiter")
         self.assertEqual(self.agree(*arguments), "all 59 objects agree: 18 sequential, "

@@ -3,18 +3,16 @@
 """What shows on a terminal only: the prompt with completion and history, and the progress line."""
 
 import os
-import pathlib
 import pty
 import re
 import select
 import signal
 import subprocess
-import tempfile
 import termios
 import time
 import unittest
 
-from programs import WFSIM
+from programs import WFSIM, FolderCase
 
 WAVEFORM = """$timescale 1 ns $end
 $scope module tb $end
@@ -90,11 +88,9 @@ class Terminal:
         return self.read(lambda _: False)
 
 
-class OnTerminal(unittest.TestCase):
+class OnTerminal(FolderCase):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        super().setUp()
         (self.folder / "t.vcd").write_text(WAVEFORM)
 
     def open(self, *arguments, **more):

@@ -8,7 +8,6 @@
 #include <csignal>
 
 #include "host/shell/interrupt.h"
-#include "host/shell/prompt.h"
 #include "tests/host/shell/shell_fixture.h"
 
 namespace wf::test {
@@ -196,24 +195,6 @@ TEST_F(ShellTest, ScriptWaitsInRunWhereTheHostOwnsTheLoop) {
     EXPECT_EQ(shown(), "Error: " + script + ":6: interrupted at 501 ns\n");
     // A script that is never resumed goes with its shell.
     run("coroutine script do " + script);
-}
-
-TEST_F(ShellTest, CommandsFromAStreamStopAtTheFirstError) {
-    const auto run_lines = [this](const std::string &text) {
-        std::FILE *input = std::fopen(write_file("input", text).c_str(), "r");
-        const ScriptEnd end = run_stream(shell(), input);
-        std::fclose(input);
-        return end;
-    };
-    EXPECT_EQ(run_lines("puts {a\nb}\nputs c"), ScriptEnd::done);
-    EXPECT_EQ(shown(), "a\nb\nc\n");
-    EXPECT_EQ(run_lines("if 1 {\n  puts a\n}\n\nif 1 {\n puts b\n nonsense\n}\nputs c\n"),
-              ScriptEnd::failed);
-    EXPECT_EQ(shown(), "a\nb\nError: <stdin>:5: invalid command name \"nonsense\"\n");
-    EXPECT_EQ(run_lines("puts a\nputs {b\n"), ScriptEnd::failed);
-    EXPECT_EQ(shown(), "a\nError: <stdin>:2: missing close-brace\n");
-    EXPECT_EQ(run_lines("quit -code 9\nputs on\n"), ScriptEnd::quit);
-    EXPECT_EQ(shell().quit_code(), 9);
 }
 
 }  // namespace

@@ -8,13 +8,11 @@
 #include "host/design/design.h"
 #include "host/source/ghw/declare.h"
 #include "host/source/ghw/events.h"
+#include "tests/host/source/vcd_reading.h"
 
 namespace wf::test {
 namespace {
 
-const char *const kind_names[] = {"module",   "program",  "interface", "instance", "block",
-                                  "generate", "record",   "block",     "process",  "package",
-                                  "task",     "function", "statement"};
 const char *const mode_names[] = {"", " in", " out", " inout"};
 
 class ListSink {
@@ -66,17 +64,9 @@ std::string describe_type(const Type &type) {
     }
 }
 
-void describe_region(Design &design, Region *region, std::vector<std::string> &lines) {
-    lines.push_back(design.full_name(region) + " " + kind_names[static_cast<int>(region->kind)]);
-    for (const Signal *signal : region->signals) {
-        lines.push_back(std::string("  ") + design.name_of(signal) + " " +
-                        describe_type(*signal->type) +
-                        mode_names[static_cast<int>(design.mode_of(signal))] + " @" +
-                        std::to_string(signal->slot));
-    }
-    for (Region *child : region->children) {
-        describe_region(design, child, lines);
-    }
+std::string signal_text(Design &design, const Signal *signal) {
+    return " " + describe_type(*signal->type) +
+           mode_names[static_cast<int>(design.mode_of(signal))];
 }
 
 }  // namespace
@@ -165,15 +155,19 @@ GhwReading read_ghw(const std::string &bytes, std::size_t block, std::size_t pie
     ghw::Declarations declarations(design, ids, tokens);
     reading.loaded = read_header(tokens, design.types, declarations);
     if (reading.loaded) {
-        for (Region *root : design.roots()) {
-            describe_region(design, root, reading.design);
-        }
+        reading.design = describe(design, signal_text);
         reading.resolution = design.resolution_exponent;
         ListSink sink(reading, design.slot_count());
         ghw::Events(tokens, ids).run(sink);
     }
     reading.error = tokens.error();
     return reading;
+}
+
+std::string ghw_error(std::size_t offset, const std::string &message) {
+    const std::size_t colon = message.find(": ");
+    return "t.ghw: byte " + std::to_string(offset) + ", section " + message.substr(0, colon) +
+           ": expected " + message.substr(colon + 2);
 }
 
 }  // namespace wf::test

@@ -64,4 +64,7 @@ struct GhwReading {
 GhwReading read_ghw(const std::string &bytes, std::size_t block = ghw::Tokens::default_block,
                     std::size_t piece = SIZE_MAX);
 
+// The text of an error at that byte of t.ghw, of "SECTION: what was expected, got ...".
+std::string ghw_error(std::size_t offset, const std::string &message);
+
 }  // namespace wf::test

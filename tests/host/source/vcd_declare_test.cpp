@@ -114,43 +114,43 @@ TEST(VcdDeclare, TimescaleIsThePowerOfTen) {
 }
 
 TEST(VcdDeclare, RefusesWhatMakesNoSenseInOneMessage) {
-    const std::pair<std::string, const char *> rows[] = {
-        {"", "t.vcd:1: expected $enddefinitions, got end of file"},
-        {"$date\n", "t.vcd:2: expected $end of $date, got end of file"},
-        {"$scope module t $end\n#0\n", "t.vcd:2: expected $enddefinitions, got '#0'"},
-        {"$scope module t $end\n$dumpvars\n", "t.vcd:2: expected $enddefinitions, got '$dumpvars'"},
-        {"$enddefinitions\n#0\n", "t.vcd:2: expected $end of $enddefinitions, got '#0'"},
-        {"$end\n", "t.vcd:1: expected a section, got '$end'"},
-        {"$timescale 2ns $end",
-         "t.vcd:1: expected a timescale of 1, 10 or 100 s, ms, us, ns, ps or fs, got '2ns'"},
-        {"$timescale 1 parsec $end",
-         "t.vcd:1: expected a timescale of 1, 10 or 100 s, ms, us, ns, ps or fs, got '1parsec'"},
-        {"$timescale 1ns\n$scope module t $end",
-         "t.vcd:2: expected $end of $timescale, got '$scope'"},
-        {"$scope $end", "t.vcd:1: expected the kind of a scope, got '$end'"},
-        {"$scope module $end", "t.vcd:1: expected the name of a scope, got '$end'"},
-        {"$scope module a b $end", "t.vcd:1: expected $end of $scope, got 'b'"},
-        {"$upscope $end", "t.vcd:1: expected an open $scope, got '$upscope'"},
-        {"$var wire 1 ! a $end", "t.vcd:1: expected $scope before the first $var, got '$var'"},
-        {in_top("$var wirr 1 ! a $end"), "t.vcd:2: expected the kind of a variable, got 'wirr'"},
-        {in_top("$var wire x ! a $end"), "t.vcd:2: expected a width in bits, got 'x'"},
-        {in_top("$var wire 0 ! a $end"),
-         "t.vcd:2: expected a width of 1 to 16777216 bits, got '0'"},
-        {in_top("$var wire 16777217 ! a $end"),
-         "t.vcd:2: expected a width of 1 to 16777216 bits, got '16777217'"},
-        {in_top("$var wire 4 ! a [7:0] $end"), "t.vcd:2: expected a range of 4 bits, got '[7:0]'"},
-        {in_top("$var wire 1 ! [3] $end"), "t.vcd:2: expected the name of a variable, got '[3]'"},
-        {in_top("$var wire 1 ! $end"), "t.vcd:2: expected the name of a variable, got '$end'"},
-        {in_top("$var wire 1 $end"), "t.vcd:2: expected an identifier code, got '$end'"},
-        {in_top("$var wire 1 ! a\n$var wire 1 \" b $end"),
-         "t.vcd:3: expected $end of $var, got '$var'"},
+    const struct {
+        std::string text;
+        int line;
+        const char *expected;
+    } rows[] = {
+        {"", 1, "$enddefinitions, got end of file"},
+        {"$date\n", 2, "$end of $date, got end of file"},
+        {"$scope module t $end\n#0\n", 2, "$enddefinitions, got '#0'"},
+        {"$scope module t $end\n$dumpvars\n", 2, "$enddefinitions, got '$dumpvars'"},
+        {"$enddefinitions\n#0\n", 2, "$end of $enddefinitions, got '#0'"},
+        {"$end\n", 1, "a section, got '$end'"},
+        {"$timescale 2ns $end", 1,
+         "a timescale of 1, 10 or 100 s, ms, us, ns, ps or fs, got '2ns'"},
+        {"$timescale 1 parsec $end", 1,
+         "a timescale of 1, 10 or 100 s, ms, us, ns, ps or fs, got '1parsec'"},
+        {"$timescale 1ns\n$scope module t $end", 2, "$end of $timescale, got '$scope'"},
+        {"$scope $end", 1, "the kind of a scope, got '$end'"},
+        {"$scope module $end", 1, "the name of a scope, got '$end'"},
+        {"$scope module a b $end", 1, "$end of $scope, got 'b'"},
+        {"$upscope $end", 1, "an open $scope, got '$upscope'"},
+        {"$var wire 1 ! a $end", 1, "$scope before the first $var, got '$var'"},
+        {in_top("$var wirr 1 ! a $end"), 2, "the kind of a variable, got 'wirr'"},
+        {in_top("$var wire x ! a $end"), 2, "a width in bits, got 'x'"},
+        {in_top("$var wire 0 ! a $end"), 2, "a width of 1 to 16777216 bits, got '0'"},
+        {in_top("$var wire 16777217 ! a $end"), 2, "a width of 1 to 16777216 bits, got '16777217'"},
+        {in_top("$var wire 4 ! a [7:0] $end"), 2, "a range of 4 bits, got '[7:0]'"},
+        {in_top("$var wire 1 ! [3] $end"), 2, "the name of a variable, got '[3]'"},
+        {in_top("$var wire 1 ! $end"), 2, "the name of a variable, got '$end'"},
+        {in_top("$var wire 1 $end"), 2, "an identifier code, got '$end'"},
+        {in_top("$var wire 1 ! a\n$var wire 1 \" b $end"), 3, "$end of $var, got '$var'"},
         {in_top("$var wire 1 ! \x01\x7f\xff"
                 "a$end"),
-         "t.vcd:3: expected $end of $var, got '$upscope'"},
+         3, "$end of $var, got '$upscope'"},
     };
-    for (const auto &[text, message] : rows) {
+    for (const auto &[text, line, expected] : rows) {
         const VcdReading reading = read_vcd(text);
-        EXPECT_EQ(reading.error, message);
+        EXPECT_EQ(reading.error, "t.vcd:" + std::to_string(line) + ": expected " + expected);
         EXPECT_FALSE(reading.loaded);
     }
 }

@@ -4,8 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "host/source/vcd/ids.h"
 #include "tests/host/source/vcd_reading.h"
 
@@ -176,36 +174,6 @@ TEST(VcdEvents, TheBuffersSizeMakesNoDifference) {
         ASSERT_EQ(reading.events, expected.events) << block;
         ASSERT_EQ(reading.design, expected.design) << block;
         ASSERT_EQ(reading.error, expected.error) << block;
-    }
-}
-
-TEST(VcdEvents, GarbageIsRefusedWithoutHarm) {
-    const uint32_t seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    const std::string whole = data_file("kinds.vcd");
-    for (int round = 0; round < 1500; ++round) {
-        std::string text = whole;
-        for (uint32_t changes = 1 + random() % 4; changes > 0; --changes) {
-            const std::size_t place = random() % text.size();
-            const std::string_view likely =
-                "01xzb#$! \n[]:\0\xff"
-                "89";
-            switch (random() % 3) {
-                case 0:
-                    text[place] = likely[random() % likely.size()];
-                    break;
-                case 1:
-                    text.erase(place, random() % 9);
-                    break;
-                default:
-                    text.insert(place, text, random() % text.size(), random() % 9);
-            }
-        }
-        const VcdReading reading = read_vcd(text, 64 + random() % 64);
-        if (!reading.error.empty()) {
-            expect_message(reading.error, text);
-        }
     }
 }
 

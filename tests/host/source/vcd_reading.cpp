@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -55,29 +54,34 @@ class ListSink {
     Slot slots_;
 };
 
-void describe_region(Design &design, Region *region, std::vector<std::string> &lines) {
+void describe_region(Design &design, Region *region, SignalText text,
+                     std::vector<std::string> &lines) {
     lines.push_back(design.full_name(region) + " " + kind_names[static_cast<int>(region->kind)]);
     for (const Signal *signal : region->signals) {
-        std::string line = std::string("  ") + design.name_of(signal);
-        const Type *type = signal->type;
-        for (; type->kind == TypeKind::array; type = type->element) {
-            line += "(" + std::to_string(type->left) + ":" + std::to_string(type->right) + ")";
-        }
-        line += type->kind == TypeKind::real ? " real" : "";
-        line += design.mode_of(signal) == Mode::inout ? " inout" : "";
-        lines.push_back(line + " @" + std::to_string(signal->slot));
+        lines.push_back(std::string("  ") + design.name_of(signal) + text(design, signal) + " @" +
+                        std::to_string(signal->slot));
     }
     for (Region *child : region->children) {
-        describe_region(design, child, lines);
+        describe_region(design, child, text, lines);
     }
 }
 
 }  // namespace
 
-std::vector<std::string> describe(Design &design) {
+std::string vcd_signal_text(Design &design, const Signal *signal) {
+    std::string line;
+    const Type *type = signal->type;
+    for (; type->kind == TypeKind::array; type = type->element) {
+        line += "(" + std::to_string(type->left) + ":" + std::to_string(type->right) + ")";
+    }
+    line += type->kind == TypeKind::real ? " real" : "";
+    return line + (design.mode_of(signal) == Mode::inout ? " inout" : "");
+}
+
+std::vector<std::string> describe(Design &design, SignalText text) {
     std::vector<std::string> lines;
     for (Region *root : design.roots()) {
-        describe_region(design, root, lines);
+        describe_region(design, root, text, lines);
     }
     return lines;
 }
@@ -104,8 +108,7 @@ VcdReading read_vcd(const std::string &text, std::size_t block, std::size_t piec
 }
 
 std::string data_path(std::string_view name) {
-    const auto tests = std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
-    return (tests / "data" / name).string();
+    return std::string(TEST_DATA_DIR "/") += name;
 }
 
 std::string data_file(std::string_view name) {

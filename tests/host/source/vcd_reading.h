@@ -28,7 +28,12 @@ struct VcdReading {
 VcdReading read_vcd(const std::string &text, std::size_t block = vcd::Tokens::default_block,
                     std::size_t piece = SIZE_MAX);
 
-std::vector<std::string> describe(Design &design);
+// What a line shows of a signal between its name and its slot; this one as in VcdReading.
+using SignalText = std::string (*)(Design &, const Signal *);
+std::string vcd_signal_text(Design &design, const Signal *signal);
+
+// A line for each region and each signal.
+std::vector<std::string> describe(Design &design, SignalText text = vcd_signal_text);
 
 // The content of tests/data/NAME, which must exist.
 std::string data_file(std::string_view name);

@@ -12,6 +12,7 @@
 #include "plugin/support/hash_table.h"
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"
+#include "tests/plugin/report_text.h"
 #include "tests/support/memory_design.h"
 
 #include <sys/resource.h>
@@ -31,12 +32,6 @@ using testing::IsEmpty;
 using testing::Not;
 
 namespace {
-
-std::string text_of(const std::string &path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
-}
 
 // A plug-in in a picosecond simulator, and a folder of its own for files.
 struct Report : testing::Test {
@@ -77,18 +72,19 @@ struct Report : testing::Test {
     }
     bool reported() const { return (mfli_window_active & MFLI_REPORT_WRITTEN) != 0; }
 
-    // The body of a report of that instance: what follows the DURATION line, less the trailer.
+    // The body of a report of that instance: what follows the DURATION line, less the trailer, with
+    // each record in one line; NetPrint below has records as they are.
     std::string body(const std::string &instance) {
         EXPECT_THAT(sim.output_of("toggle_report " + file + " 1.0e-9 " + instance),
                     ElementsAre("Information (KLVA-PWR): Report done, wrote file \"" + file +
                                 "\" at time 20000.000000"));
         const std::string text = text_of(file);
         const size_t start = text.find('\n', text.find("(DURATION")) + 1;
-        return text.substr(start, text.size() - start - 2);
+        return records_in_lines(text.substr(start, text.size() - start - 2));
     }
 };
 
-TEST_F(Report, RefusesBadArgumentsOneByOne) {
+TEST_F(Report, RefusesBadArgumentsOneByOneAndIgnoresFurtherOnes) {
     record_clock("/top");
     const std::string error = "Error (KLVA-PWR): ";
     const std::string bad_unit =
@@ -135,15 +131,12 @@ TEST_F(Report, RefusesBadArgumentsOneByOne) {
     std::ofstream(file) << "an earlier report";
     sim.command("toggle_report " + file + " 1.0e-16 /top");
     EXPECT_EQ(text_of(file), "an earlier report");
-}
-
-TEST_F(Report, IgnoresAFourthArgumentAndWarnsOfAFifth) {
-    record_clock("/top");
+    // A fourth argument is ignored, a fifth is warned of.
     EXPECT_THAT(sim.output_of("toggle_report " + file + " 1e-9,/top four"),
                 ElementsAre(HasSubstr("Report done")));
     EXPECT_TRUE(reported());
     EXPECT_THAT(sim.output_of("toggle_report " + file + " 1e-9 /top four five"),
-                ElementsAre(HasSubstr("takes only three"), HasSubstr("Report done")));
+                ElementsAre(many, HasSubstr("Report done")));
 }
 
 TEST_F(Report, ScalesDurationsToTheUnit) {
@@ -188,37 +181,19 @@ TEST_F(Report, WritesEveryBitUnderTheSimulatorsNames) {
     EXPECT_EQ(body("/top/u1"), R"((INSTANCE top
    (INSTANCE u1
       (PORT
-         (bus\(1\)
-            (T0 10.000000) (T1 5.000000) (TX 5.000000)
-            (TC 1.000000) (IG 0.000000)
-         )
-         (bus\(0\)
-            (T0 0.000000) (T1 0.000000) (TX 20.000000)
-            (TC 0.000000) (IG 0.000000)
-         )
+         (bus\(1\) 10 5 5 1 0)
+         (bus\(0\) 0 0 20 0 0)
       )
       (NET
-         (count\(0\)
-            (T0 20.000000) (T1 0.000000) (TX 0.000000)
-            (TC 0.000000) (IG 0.000000)
-         )
-         (count\(1\)
-            (T0 5.000000) (T1 15.000000) (TX 0.000000)
-            (TC 1.000000) (IG 0.000000)
-         )
+         (count\(0\) 20 0 0 0 0)
+         (count\(1\) 5 15 0 1 0)
       )
    )
 )
 (INSTANCE else\(1\)
    (NET
-      (cnt\(0\)
-         (T0 20.000000) (T1 0.000000) (TX 0.000000)
-         (TC 0.000000) (IG 0.000000)
-      )
-      (cnt\(1\)
-         (T0 5.000000) (T1 15.000000) (TX 0.000000)
-         (TC 1.000000) (IG 0.000000)
-      )
+      (cnt\(0\) 20 0 0 0 0)
+      (cnt\(1\) 5 15 0 1 0)
    )
 )
 )");
@@ -270,42 +245,24 @@ TEST_F(Report, WritesMappedBitsUnderTheirRtlNames) {
     const std::string expected = R"((INSTANCE tb
    (INSTANCE dut
       (PORT
-         (clk
-            (T0 20.000000) (T1 0.000000) (TX 0.000000)
-            (TC 0.000000) (IG 0.000000)
-         )
+         (clk 20 0 0 0 0)
       )
       (INSTANCE u1
          (PORT
-            (q\[0\]
-               (T0 20.000000) (T1 0.000000) (TX 0.000000)
-               (TC 0.000000) (IG 0.000000)
-            )
+            (q\[0\] 20 0 0 0 0)
          )
          (NET
-            (q\[1\]
-               (T0 20.000000) (T1 0.000000) (TX 0.000000)
-               (TC 0.000000) (IG 0.000000)
-            )
+            (q\[1\] 20 0 0 0 0)
          )
          (VIRTUAL_INSTANCE "sequential" q_reg\[0\]
             (PORT
-               (Q
-                  (T0 20.000000) (T1 0.000000) (TX 0.000000)
-                  (TC 0.000000) (IG 0.000000)
-               )
+               (Q 20 0 0 0 0)
             )
          )
          (VIRTUAL_INSTANCE "tri-state" tri
             (PORT
-               (Z
-                  (T0 0.000000) (T1 20.000000) (TX 0.000000)
-                  (TC 0.000000) (IG 0.000000)
-               )
-               (again
-                  (T0 0.000000) (T1 20.000000) (TX 0.000000)
-                  (TC 0.000000) (IG 0.000000)
-               )
+               (Z 0 20 0 0 0)
+               (again 0 20 0 0 0)
             )
          )
       )
