@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace wf {
 
 namespace {
 
 constexpr std::align_val_t cache_line{64};
-constexpr uint32_t name_mask = (1U << 29) - 1;  // what a process keeps of its name's number
 
 }  // namespace
 
@@ -19,8 +19,24 @@ void Kernel::BlockFree::operator()(Block *block) const {
     ::operator delete(block, cache_line);
 }
 
-void Kernel::HeapFree::operator()(uint32_t *heads) const {
-    std::free(heads);
+void Kernel::HeapFree::operator()(void *memory) const {
+    std::free(memory);
+}
+
+size_t Kernel::KindHash::operator()(const ProcessKind &kind) const {
+    const auto function = reinterpret_cast<uintptr_t>(kind.function);
+    return (function ^ (size_t{kind.name} << 2 | static_cast<size_t>(kind.priority))) *
+           0x9e3779b97f4a7c15U;
+}
+
+template <typename T>
+void Kernel::grow(Zeroed<T> &array, size_t from, size_t to) {
+    auto *grown = static_cast<T *>(std::calloc(to, sizeof(T)));
+    if (grown == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::copy_n(array.get(), from, grown);
+    array.reset(grown);
 }
 
 Kernel::Kernel(Design &design) : design_(design) {
@@ -31,21 +47,21 @@ Kernel::~Kernel() = default;
 
 void Kernel::sync() {
     values_ = design_.values();
-    slots_ = design_.slot_count();
-    if (slots_ <= head_capacity_ && heads_ != nullptr) {
+    const Slot slots = design_.slot_count();
+    if (slots <= slot_capacity_ && heads_ != nullptr) {
         return;
     }
-    // calloc leaves the heads of slots that nobody ever watches untouched, and so free of charge.
-    const Slot capacity = std::max(slots_, head_capacity_ < no_slot / 2 ? head_capacity_ * 2 : 0);
-    auto *heads = static_cast<uint32_t *>(std::calloc(capacity + size_t{1}, sizeof(uint32_t)));
-    if (heads == nullptr) {
-        throw std::bad_alloc();
-    }
-    if (heads_ != nullptr) {
-        std::copy_n(heads_.get(), head_capacity_, heads);
-    }
-    heads_.reset(heads);
-    head_capacity_ = capacity;
+    const Slot capacity = std::max(slots, slot_capacity_ < no_slot / 2 ? slot_capacity_ * 2 : 0);
+    const auto groups_of = [](Slot count) { return (count >> group_bits) + size_t{1}; };
+    const size_t from = heads_ != nullptr ? groups_of(slot_capacity_) : 0;
+    const size_t to = groups_of(capacity);
+    grow(heads_, heads_ != nullptr ? slot_capacity_ : 0, capacity + size_t{1});
+    grow(groups_, from, to);
+    grow(queue_, queue_count_, to);
+    grow(taken_, 0, to);
+    grow(earlier_, 0, to);
+    grow(earlier_groups_, 0, to);
+    slot_capacity_ = capacity;
 }
 
 Process *Kernel::create_process(std::string_view name, ProcessFunction function, void *parameter,
@@ -65,12 +81,28 @@ Process *Kernel::create_process(std::string_view name, ProcessFunction function,
     const uint32_t index = next_process_++;
     info_at(index) = {.next = 0,
                       .mark = no_slot,
-                      .name = intern_name(name) & name_mask,
-                      .priority = static_cast<uint32_t>(priority) & 3U,
+                      .kind = intern_kind(name, function, priority) & (UINT32_MAX >> 1),
                       .is_shared = 0};
     Process *process = &process_at(index);
-    *process = {function, parameter};
+    process->parameter = parameter;
     return process;
+}
+
+uint32_t Kernel::intern_kind(std::string_view name, ProcessFunction function, Priority priority) {
+    for (const uint32_t number : recent_kinds_) {
+        if (number < kinds_.size() && kinds_[number].function == function &&
+            kinds_[number].priority == priority && names_[kinds_[number].name] == name) {
+            return number;
+        }
+    }
+    const ProcessKind kind{function, intern_name(name), priority};
+    const auto [known, is_new] =
+        kind_numbers_.try_emplace(kind, static_cast<uint32_t>(kinds_.size()));
+    if (is_new) {
+        kinds_.push_back(kind);
+    }
+    recent_kinds_[0] = std::exchange(recent_kinds_[1], known->second);
+    return known->second;
 }
 
 uint32_t Kernel::intern_name(std::string_view name) {
@@ -85,12 +117,14 @@ uint32_t Kernel::intern_name(std::string_view name) {
 }
 
 uint32_t Kernel::index_of(const void *process) const {
+    constexpr size_t half = size_t{1} << (block_bits - 1);
     const auto address = reinterpret_cast<uintptr_t>(process);
     for (size_t block = blocks_.size(); block-- > 0;) {
         const auto distance = address - reinterpret_cast<uintptr_t>(blocks_[block]->processes);
         if (distance < sizeof(Block::processes)) {
-            const auto index =
-                static_cast<uint32_t>((block << block_bits) + distance / sizeof(Process));
+            const size_t place = distance / sizeof(Process);
+            const auto index = static_cast<uint32_t>((block << block_bits) + (place % half) * 2 +
+                                                     (place >= half ? 1 : 0));
             const bool is_one = distance % sizeof(Process) == 0 && index >= first_process;
             return is_one && index < next_process_ ? index : 0;
         }
@@ -113,7 +147,7 @@ void Kernel::watch_leaves(uint32_t process, const Type &type, Slot first) {
 }
 
 void Kernel::watch_slot(uint32_t index, Slot slot) {
-    if (supply_ != nullptr && heads_[slot] == 0) {
+    if (supply_ != nullptr && !is_watched(slot)) {
         supply_->watched(slot);
     }
     uint32_t link = index << 1;
@@ -124,30 +158,45 @@ void Kernel::watch_slot(uint32_t index, Slot slot) {
     } else {
         info_at(index).mark = slot;
     }
-    const uint32_t head = heads_[slot];
-    const uint32_t last = head & link_mask;
+    const uint32_t last = heads_[slot] & link_mask;
     if (last == 0) {
         next_link(link) = link;
-        reserve_changed(++watched_slots_);
+        groups_[slot >> group_bits].watched |= bit_of(slot);
         ++watch_version_;
     } else {
         next_link(link) = next_link(last);
         next_link(last) = link;
     }
-    const uint32_t pair = make_a_pair(last, link) ? pair_mark : 0;
-    heads_[slot] = (head & queued_mark) | pair | link;
+    heads_[slot] = (make_a_pair(last, link) ? pair_mark : 0) | link;
 }
 
-// Whether these two links, the only ones of a slot, are a pair.
-bool Kernel::make_a_pair(uint32_t first, uint32_t second) const {
+// Whether these two links, the only ones of a slot, are a normal process and, made right after it,
+// a postponed one.
+bool Kernel::is_pair(uint32_t first, uint32_t second) const {
     if (first == 0 || ((first | second) & 1U) != 0 || (first & 2U) != 0 || second != first + 2) {
         return false;
     }
     const ProcessInfo &one = info_at(first >> 1);
     const ProcessInfo &other = info_at(second >> 1);
     return one.next == second && other.next == first && !one.is_shared && !other.is_shared &&
-           one.priority == static_cast<uint32_t>(Priority::normal) &&
-           other.priority == static_cast<uint32_t>(Priority::postponed);
+           kinds_[one.kind].priority == Priority::normal &&
+           kinds_[other.kind].priority == Priority::postponed;
+}
+
+// Whether two links are a common pair. The first pair ever says what is common.
+bool Kernel::make_a_pair(uint32_t first, uint32_t second) {
+    if (!is_pair(first, second)) {
+        return false;
+    }
+    const uint32_t kind = info_at(first >> 1).kind;
+    const uint32_t postponed_kind = info_at(second >> 1).kind;
+    void *parameter = process_at(second >> 1).parameter;
+    if (common_.normal == nullptr) {
+        common_ = {kind, postponed_kind, kinds_[kind].function, kinds_[postponed_kind].function,
+                   parameter};
+    }
+    return kind == common_.normal_kind && postponed_kind == common_.postponed_kind &&
+           parameter == common_.postponed_parameter;
 }
 
 // A process that gets a second slot: a pair that it was one of is none any more.
@@ -160,20 +209,18 @@ void Kernel::share(uint32_t index) {
     }
 }
 
-void Kernel::reserve_changed(uint32_t count) {
-    if (count <= changed_capacity_) {
-        return;
-    }
-    const uint32_t capacity = std::max({count, changed_capacity_ * 2, 64U});
-    auto changed = std::make_unique_for_overwrite<Changed[]>(capacity);
-    std::copy_n(changed_.get(), changed_count_, changed.get());
-    changed_ = std::move(changed);
-    changed_capacity_ = capacity;
-}
-
 bool Kernel::watched(Slot first, uint32_t count) const {
-    return std::any_of(heads_.get() + first, heads_.get() + first + count,
-                       [](uint32_t head) { return head != 0; });
+    while (count > 0) {
+        const uint32_t shift = first & group_mask;
+        const uint32_t part = std::min(count, 64 - shift);
+        const uint64_t wanted = (~uint64_t{0} >> (64 - part)) << shift;
+        if ((groups_[first >> group_bits].watched & wanted) != 0) {
+            return true;
+        }
+        first += part;
+        count -= part;
+    }
+    return false;
 }
 
 }  // namespace wf

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/design/design.h"
@@ -39,22 +40,25 @@ class ValueSupply {
 //     kernel.finish_step();          // immediate, normal, then postponed processes
 //
 // In finish_step the processes sensitive to a slot whose value changed run once each: the immediate
-// ones first, then the normal ones in the order in which their slots changed first (those of one
-// slot in the order in which they were sensitised), then, when all that has settled, the postponed
-// ones. Values that a process sets are a further delta cycle of the same step; those that a
-// postponed process sets wait for the next finish_step.
+// ones first, then the normal ones, then, when all that has settled, the postponed ones. Slots go
+// in groups of 64 neighbours: the groups in the order in which one of their slots changed first,
+// within a group from the lowest slot up, and the processes of one slot in the order in which they
+// were sensitised. Values that a process sets are a further delta cycle of the same step; those
+// that a postponed process sets wait for the next finish_step.
 //
 // A replayed value has no transactions without an event, so an `active` sensitivity wakes like an
 // `event` one.
 //
-// Cost: a set with an equal value is a compare; a change that nobody watches is that, a store and a
-// look at the slot's head; a watched one also enters its slot into a queue. Queues keep their
-// capacity, so nothing is allocated in the long run. Memory: 4 bytes a slot, 28 a process.
+// Cost: a set with an equal value is a compare; a change is that, a store, and a look at two bits
+// of the slot's group: watched, and pending already. The first change in a group enters the group
+// into the queue; those of a vector enter together. Nothing is allocated in the long run. Memory: 4
+// bytes a slot, 44 a group, 20 a process.
 //
 // Most watched slots are bits with a pair of watchers of their own: a normal process and, made
-// right after it, a postponed one. A pair is woken without a walk: the head leads to the half line
-// that holds both, the normal one is called, and the postponed one, if it is a call like the last
-// that was queued, only adds to the number of times that call is to be made.
+// right after it, a postponed one, every pair of the same two kinds and all the postponed ones the
+// same call. Such pairs are woken without a walk, in batches: the heads lead to the parameters,
+// which lie side by side, the one function is called with each, and the one postponed call gets a
+// number of times that it is to be made.
 class Kernel {
   public:
     // Works on the design's storage. The design must outlive the kernel.
@@ -74,7 +78,7 @@ class Kernel {
     void begin_step(Ticks time) { now_ = time; }
     // Runs what the step's changes woke.
     void finish_step() {
-        if (changed_count_ != 0) {
+        if (queue_count_ != 0) {
             run_step();
         }
     }
@@ -115,10 +119,12 @@ class Kernel {
     void supply_from(ValueSupply *supply) { supply_ = supply; }
     // Has the values of an object's slots brought up to date before they are read.
     void fetch(const Signal &signal) {
-        if (supply_ != nullptr && (signal.type->slots != 1 || heads_[signal.slot] == 0)) {
+        if (signal.type->slots == 1 ? !is_current(signal.slot) : supply_ != nullptr) {
             supply_->wanted(signal.slot, signal.type->slots);
         }
     }
+    // Whether the slot's value is up to date without a fetch.
+    bool is_current(Slot slot) const { return supply_ == nullptr || is_watched(slot); }
 
     // --- processes ---
     // A process that wakes when it is sensitised; it never runs by itself. The name is copied. The
@@ -129,7 +135,7 @@ class Kernel {
     void sensitize(Process *process, const Signal &signal, Trigger trigger = Trigger::event);
     bool is_process(const void *handle) const { return index_of(handle) != 0; }
     const std::string &name_of(const Process &process) const {
-        return names_[info_at(index_of(&process)).name];
+        return names_[kind_of(index_of(&process)).name];
     }
     uint32_t process_count() const { return next_process_ - first_process; }
     // Whether anybody watches one of these slots. The answer holds while watch_version() stays the
@@ -146,67 +152,91 @@ class Kernel {
     }
 
   private:
-    // A slot's head: bit 31 says that the slot is in the queue, bit 30 that its watchers are a
-    // pair, the rest is the link to the last of its watchers, whose own link leads to the first. 0:
-    // nobody watches.
-    static constexpr uint32_t queued_mark = 0x80000000U;
-    static constexpr uint32_t pair_mark = 0x40000000U;
+    // A slot's head: bit 31 says that its watchers are a common pair, the rest is the link to the
+    // last of its watchers, whose own link leads to the first. 0: nobody watches.
+    static constexpr uint32_t pair_mark = 0x80000000U;
     static constexpr uint32_t link_mask = pair_mark - 1;
 
-    // Queues a changed slot if somebody watches it and it is not queued yet.
-    void touch(Slot slot) {
-        const uint32_t head = heads_[slot];
-        if (head - 1 < queued_mark - 1) {
-            enqueue(slot, head);
+    // 64 neighbouring slots, a bit for each.
+    static constexpr uint32_t group_bits = 6;
+    static constexpr uint32_t group_mask = (1U << group_bits) - 1;
+    struct Group {
+        uint64_t watched;
+        uint64_t pending;  // changed since the last delta cycle began; not 0: in the queue
+    };
+    // What a delta cycle has taken from the queue.
+    struct Taken {
+        uint64_t slots;
+        Slot first;
+        uint32_t group() const { return first >> group_bits; }
+    };
+    struct Batch;
+
+    static uint64_t bit_of(Slot slot) { return uint64_t{1} << (slot & group_mask); }
+    bool is_watched(Slot slot) const {
+        return (groups_[slot >> group_bits].watched & bit_of(slot)) != 0;
+    }
+    // Queues changed slots of a group as far as somebody watches them.
+    void enqueue(uint32_t number, uint64_t slots) {
+        Group &group = groups_[number];
+        slots &= group.watched;
+        if (slots != 0) {
+            if (group.pending == 0) {
+                queue_[queue_count_++] = number;
+            }
+            group.pending |= slots;
         }
     }
-    void enqueue(Slot slot, uint32_t head) {
-        heads_[slot] = head | queued_mark;
-        if (changed_count_ == changed_capacity_) [[unlikely]] {
-            reserve_changed(changed_count_ + 1);
+    void touch(Slot slot) { enqueue(slot >> group_bits, bit_of(slot)); }
+    // Bit i of `changed` stands for the slot first + i.
+    void touch_run(Slot first, uint64_t changed) {
+        const uint32_t shift = first & group_mask;
+        enqueue(first >> group_bits, changed << shift);
+        const uint64_t beyond = changed >> 1 >> (group_mask - shift);
+        if (beyond != 0) {
+            enqueue((first >> group_bits) + 1, beyond);
         }
-        changed_[changed_count_++] = {slot, head};
     }
-    void touch_differences(Slot first, uint64_t difference);
+    static uint64_t store_word(uint8_t *place, const uint8_t *values);
+    static uint64_t store_run(uint8_t *place, const uint8_t *values, uint32_t count);
+
     void run_step();
-    template <bool traced>
-    void run_deltas();
-    template <bool traced>
-    void run_immediate(uint32_t from, uint32_t end);
-    template <bool traced>
-    void wake_slots(uint32_t from, uint32_t end);
-    template <bool traced>
-    void wake_pair(Slot slot, uint32_t head, uint32_t delta_from);
-    template <bool traced>
-    void wake_list(Slot slot, uint32_t delta_from);
-    template <bool traced>
+    void take_changes();
+    void remember_changes();
+    void forget_changes();
+    void run_immediate();
+    void wake_slots();
+    void wake_one_by_one(const Taken &taken);
+    uint64_t collect_pairs(Slot first, uint64_t slots, Batch &batch) const;
+    void run_batch(Batch &batch);
+    void wake_list(Slot slot);
     void run_postponed();
-    template <bool traced>
-    void run(const Process &process);
-    template <bool traced>
-    void postpone(const Process &process);
-    bool was_changed_before(Slot slot, uint32_t delta_from) const;
+    void run(uint32_t index);
+    void postpone(ProcessFunction function, void *parameter, uint64_t times, const Process *traced);
+    // Whether an earlier delta cycle of the step has met that slot, and so has postponed the
+    // processes that watch no other.
+    bool was_changed_before(Slot slot) const {
+        return earlier_count_ != 0 && (earlier_[slot >> group_bits] & bit_of(slot)) != 0;
+    }
     bool already_woken(ProcessInfo &process);
-    bool already_postponed(ProcessInfo &process, Slot slot, uint32_t delta_from);
+    bool already_postponed(ProcessInfo &process, Slot slot);
     void next_delta();
-    void reserve_changed(uint32_t count);
 
     void watch_slot(uint32_t index, Slot slot);
     void watch_leaves(uint32_t process, const Type &type, Slot first);
     uint32_t intern_name(std::string_view name);
+    uint32_t intern_kind(std::string_view name, ProcessFunction function, Priority priority);
     uint32_t index_of(const void *process) const;
     void share(uint32_t index);
-    bool make_a_pair(uint32_t first, uint32_t second) const;
+    bool is_pair(uint32_t first, uint32_t second) const;
+    bool make_a_pair(uint32_t first, uint32_t second);
     Process &process_at(uint32_t index) const {
-        return blocks_[index >> block_bits]->processes[index & block_mask];
+        return blocks_[index >> block_bits]->processes[index & 1U][(index & block_mask) >> 1];
     }
     ProcessInfo &info_at(uint32_t index) const {
         return blocks_[index >> block_bits]->infos[index & block_mask];
     }
-    // The first of a pair; the second follows it.
-    const Process &pair_of(uint32_t head) const {
-        return process_at(((head & link_mask) >> 1) - 1);
-    }
+    const ProcessKind &kind_of(uint32_t index) const { return kinds_[info_at(index).kind]; }
     uint32_t &next_link(uint32_t link) {
         return (link & 1U) != 0 ? nodes_[link >> 1].next : info_at(link >> 1).next;
     }
@@ -216,20 +246,23 @@ class Kernel {
 
     static constexpr uint32_t block_bits = 16;
     static constexpr uint32_t block_mask = (1U << block_bits) - 1;
-    // An even number, so that two processes made one after the other share a cache line.
     static constexpr uint32_t first_process = 2;
     static constexpr uint32_t process_limit = 1U << 29;
+    // The even processes lie together, and so do the odd ones: of a pair, waking reads one only.
     struct Block {
-        Process processes[size_t{1} << block_bits];
+        Process processes[2][size_t{1} << (block_bits - 1)];
         ProcessInfo infos[size_t{1} << block_bits];
     };
     struct BlockFree {
         void operator()(Block *block) const;
     };
-    // A changed slot, and its head as it was: good for fetching what is soon to be looked at.
-    struct Changed {
-        Slot slot;
-        uint32_t head;
+    // The two kinds and the postponed call of all common pairs: those of the first pair there was.
+    struct CommonPair {
+        uint32_t normal_kind;
+        uint32_t postponed_kind;
+        ProcessFunction normal;  // null: there is no pair yet
+        ProcessFunction postponed;
+        void *postponed_parameter;
     };
     // Calls of a postponed process that wait for the step's end. Neighbours that are the same call
     // are one entry: all of a recorder's, as a rule. While tracing every process has its own entry.
@@ -237,68 +270,106 @@ class Kernel {
         ProcessFunction function;
         void *parameter;
         uint64_t times;
-        const Process *process;  // the first of them
+        const Process *traced;  // whom to show to the tracer
     };
+    struct KindHash {
+        size_t operator()(const ProcessKind &kind) const;
+    };
+    // Memory from calloc: what nobody ever touches is free of charge.
     struct HeapFree {
-        void operator()(uint32_t *heads) const;
+        void operator()(void *memory) const;
     };
+    template <typename T>
+    using Zeroed = std::unique_ptr<T[], HeapFree>;
+    template <typename T>
+    static void grow(Zeroed<T> &array, size_t from, size_t to);
 
     // The hot ones first.
     uint8_t *values_ = nullptr;
-    std::unique_ptr<uint32_t[], HeapFree> heads_;
-    std::unique_ptr<Changed[]> changed_;  // the queue of changed slots
-    uint32_t changed_count_ = 0;
-    uint32_t changed_capacity_ = 0;  // at least as many as slots that are watched
-    uint32_t delta_ = 0;             // numbers the delta cycles
-    uint32_t first_delta_ = 0;       // of this step
+    Zeroed<Group> groups_;
+    Zeroed<uint32_t> queue_;  // groups with a pending slot; as long as all groups
+    uint32_t queue_count_ = 0;
+    uint32_t taken_count_ = 0;
+    Zeroed<Taken> taken_;  // the delta cycle's
+    Zeroed<uint32_t> heads_;
+    ValueSupply *supply_ = nullptr;
     Ticks now_ = 0;
-    std::vector<PostponedCalls> postponed_;
     std::vector<std::unique_ptr<Block, BlockFree>> blocks_;
-    std::vector<WatchNode> nodes_{1};
-    uint32_t next_process_ = first_process;
+    CommonPair common_{};
+    std::vector<PostponedCalls> postponed_;
+    uint32_t delta_ = 0;        // numbers the delta cycles
+    uint32_t first_delta_ = 0;  // of this step
+    // What the step's earlier delta cycles have met, by group, and which groups those are. No
+    // replay has more than one delta cycle.
+    Zeroed<uint64_t> earlier_;
+    Zeroed<uint32_t> earlier_groups_;
+    uint32_t earlier_count_ = 0;
     uint32_t immediate_count_ = 0;
     uint32_t postponed_count_ = 0;
-    uint32_t watched_slots_ = 0;
+    uint32_t next_process_ = first_process;
     uint32_t watch_version_ = 0;
-    Slot head_capacity_ = 0;
-    Slot slots_ = 0;
-    ValueSupply *supply_ = nullptr;
+    Slot slot_capacity_ = 0;
     Tracer tracer_ = nullptr;
     void *tracer_context_ = nullptr;
+    std::vector<WatchNode> nodes_{1};
+    std::vector<ProcessKind> kinds_;
+    std::unordered_map<ProcessKind, uint32_t, KindHash> kind_numbers_;
+    uint32_t recent_kinds_[2] = {0, 0};  // a recorder makes processes of two kinds in turn
     std::vector<std::string> names_;
     NameIndex name_index_;
     Design &design_;
 };
 
-inline void Kernel::touch_differences(Slot first, uint64_t difference) {
+// Stores eight values; bit i of the answer says that the i-th differs from what was there.
+inline uint64_t Kernel::store_word(uint8_t *place, const uint8_t *values) {
     static_assert(std::endian::native == std::endian::little);
-    while (difference != 0) {
-        const unsigned byte_number = static_cast<unsigned>(std::countr_zero(difference)) / 8;
-        touch(first + byte_number);
-        difference &= ~(uint64_t{0xff} << (byte_number * 8));
+    constexpr uint64_t low_bits = 0x7f7f7f7f7f7f7f7fU;
+    uint64_t before;
+    uint64_t after;
+    std::memcpy(&before, place, 8);
+    std::memcpy(&after, values, 8);
+    const uint64_t difference = before ^ after;
+    if (difference == 0) {
+        return 0;
+    }
+    std::memcpy(place, &after, 8);
+    // The top bit of every byte that is not 0; the product brings the eight together at the top.
+    const uint64_t marks = (((difference & low_bits) + low_bits) | difference) & ~low_bits;
+    return ((marks >> 7) * 0x0102040810204080U) >> 56;
+}
+
+// The same for 1 to 64 values.
+inline uint64_t Kernel::store_run(uint8_t *place, const uint8_t *values, uint32_t count) {
+    uint64_t changed = 0;
+    if (count < 8) {
+        for (uint32_t i = 0; i < count; ++i) {
+            changed |= uint64_t{place[i] != values[i]} << i;
+            place[i] = values[i];
+        }
+        return changed;
+    }
+    // The last word reaches back over bytes that are equal by then.
+    for (uint32_t i = 0;; i = i + 16 <= count ? i + 8 : count - 8) {
+        changed |= store_word(place + i, values + i) << i;
+        if (i + 8 == count) {
+            return changed;
+        }
     }
 }
 
 inline void Kernel::set_bytes(Slot first, const uint8_t *values, uint32_t count) {
-    if (count < 8) {
-        for (uint32_t i = 0; i < count; ++i) {
-            set_byte(first + i, values[i]);
+    for (;;) {
+        const uint32_t part = count < 64 ? count : 64;
+        const uint64_t changed = store_run(values_ + first, values, part);
+        if (changed != 0) {
+            touch_run(first, changed);
         }
-        return;
-    }
-    // The last word reaches back over bytes that are equal by then.
-    for (uint32_t i = 0;; i = i + 16 <= count ? i + 8 : count - 8) {
-        uint64_t before;
-        uint64_t after;
-        std::memcpy(&before, values_ + first + i, 8);
-        std::memcpy(&after, values + i, 8);
-        if (before != after) {
-            std::memcpy(values_ + first + i, &after, 8);
-            touch_differences(first + i, before ^ after);
-        }
-        if (i + 8 == count) {
+        if (part == count) {
             return;
         }
+        first += part;
+        values += part;
+        count -= part;
     }
 }
 

@@ -8,111 +8,170 @@ namespace wf {
 
 namespace {
 
-// In a design of more than some 10,000 bits a change would wait for memory: a pair of processes
-// and, when that has come, what the first works on are fetched so many slots ahead. (The prefetches
-// stand in the loop itself: the compiler takes a function of nothing else for one without effect.)
-constexpr uint32_t pair_ahead = 24;
-constexpr uint32_t parameter_ahead = 12;
+// In a large design the heads of a group would have to be waited for: they are fetched so many
+// groups ahead.
+constexpr uint32_t heads_ahead = 6;
 
 }  // namespace
 
+// Normal processes of common pairs whose turn has come. Between finding one and calling it there is
+// time for its parameter to come from memory. (The prefetches stand in the loops themselves: the
+// compiler takes a function of nothing else for one without effect.)
+struct Kernel::Batch {
+    static constexpr uint32_t enough = 64;
+    uint32_t count = 0;
+    const Process *processes[enough + 64];  // a group more than enough
+};
+
 void Kernel::run_step() {
-    if (tracer_ == nullptr) [[likely]] {
-        run_deltas<false>();
-        run_postponed<false>();
-    } else {
-        run_deltas<true>();
-        run_postponed<true>();
-    }
-}
-
-template <bool traced>
-void Kernel::run_deltas() {
     first_delta_ = delta_ + 1;
-    // Slots that a process changes join the end of the queue and make the next delta cycle.
-    for (uint32_t from = 0; from < changed_count_;) {
-        const uint32_t end = changed_count_;
+    // What processes change meanwhile makes the next delta cycle.
+    for (;;) {
         next_delta();
+        take_changes();
         if (immediate_count_ != 0) {
-            run_immediate<traced>(from, end);
+            run_immediate();
         }
-        wake_slots<traced>(from, end);
-        from = end;
+        wake_slots();
+        if (queue_count_ == 0) {
+            break;
+        }
+        remember_changes();
     }
-    changed_count_ = 0;
+    if (earlier_count_ != 0) {
+        forget_changes();
+    }
+    run_postponed();
 }
 
-template <bool traced>
-void Kernel::wake_slots(uint32_t from, uint32_t end) {
-    const uint32_t delta_from = from;
-    for (; from < end; ++from) {
-        if (from + pair_ahead < end) {
-            const uint32_t later = changed_[from + pair_ahead].head;
-            const uint32_t sooner = changed_[from + parameter_ahead].head;
-            __builtin_prefetch(&heads_[changed_[from + pair_ahead].slot], 1);
-            // In a list of pairs this is the last of them, which is better than nothing.
-            __builtin_prefetch(&pair_of(later));
-            if ((sooner & pair_mark) != 0) {
-                __builtin_prefetch(pair_of(sooner).parameter, 1);
+void Kernel::take_changes() {
+    taken_count_ = queue_count_;
+    for (uint32_t i = 0; i < taken_count_; ++i) {
+        Group &group = groups_[queue_[i]];
+        taken_[i] = {group.pending, queue_[i] << group_bits};
+        group.pending = 0;
+    }
+    queue_count_ = 0;
+}
+
+void Kernel::remember_changes() {
+    for (uint32_t i = 0; i < taken_count_; ++i) {
+        uint64_t &slots = earlier_[taken_[i].group()];
+        if (slots == 0) {
+            earlier_groups_[earlier_count_++] = taken_[i].group();
+        }
+        slots |= taken_[i].slots;
+    }
+}
+
+void Kernel::forget_changes() {
+    for (uint32_t i = 0; i < earlier_count_; ++i) {
+        earlier_[earlier_groups_[i]] = 0;
+    }
+    earlier_count_ = 0;
+}
+
+void Kernel::wake_slots() {
+    const bool is_plain = tracer_ == nullptr && earlier_count_ == 0;
+    const uint32_t count = taken_count_;
+    Batch batch;
+    for (uint32_t i = 0; i < count; ++i) {
+        if (i + heads_ahead < count) {
+            const Taken &later = taken_[i + heads_ahead];
+            __builtin_prefetch(&heads_[later.first + std::countr_zero(later.slots)]);
+        }
+        const Taken taken = taken_[i];
+        if (!is_plain && (tracer_ != nullptr || (earlier_[taken.group()] & taken.slots) != 0)) {
+            run_batch(batch);
+            wake_one_by_one(taken);
+            continue;
+        }
+        uint64_t left = collect_pairs(taken.first, taken.slots, batch);
+        while (left != 0) [[unlikely]] {
+                run_batch(batch);
+                wake_list(taken.first + static_cast<Slot>(std::countr_zero(left)));
+                left = collect_pairs(taken.first, left & (left - 1), batch);
             }
+        if (batch.count >= Batch::enough) {
+            run_batch(batch);
         }
-        const Slot slot = changed_[from].slot;
-        const uint32_t head = heads_[slot] & ~queued_mark;
-        heads_[slot] = head;
-        if ((head & pair_mark) == 0) {
-            wake_list<traced>(slot, delta_from);
-        } else {
-            wake_pair<traced>(slot, head, delta_from);
+    }
+    run_batch(batch);
+}
+
+// The head of a pair links to the postponed process, whose index is one more than the normal one's.
+// Adds the pairs of a group's slots to the batch, up to a slot that has other watchers. Answers the
+// slots from there on.
+inline uint64_t Kernel::collect_pairs(Slot first, uint64_t slots, Batch &batch) const {
+    const uint32_t *heads = heads_.get() + first;
+    const std::unique_ptr<Block, BlockFree> *blocks = blocks_.data();
+    const Process **end = batch.processes + batch.count;
+    while (slots != 0) {
+        const uint32_t head = heads[std::countr_zero(slots)];
+        if ((head & pair_mark) == 0) [[unlikely]] {
+            break;
         }
+        const uint32_t half = (head & link_mask) >> 2;
+        const Process *process =
+            &blocks[half >> (block_bits - 1)]->processes[0][half & (block_mask >> 1)];
+        __builtin_prefetch(process);
+        *end++ = process;
+        slots &= slots - 1;
+    }
+    batch.count = static_cast<uint32_t>(end - batch.processes);
+    return slots;
+}
+
+void Kernel::run_batch(Batch &batch) {
+    if (batch.count == 0) {
+        return;
+    }
+    const ProcessFunction function = common_.normal;
+    const Process *const *end = batch.processes + batch.count;
+    for (const Process *const *process = batch.processes; process != end; ++process) {
+        function((*process)->parameter);
+    }
+    postpone(common_.postponed, common_.postponed_parameter, batch.count, nullptr);
+    batch.count = 0;
+}
+
+void Kernel::wake_one_by_one(const Taken &taken) {
+    for (uint64_t left = taken.slots; left != 0; left &= left - 1) {
+        wake_list(taken.first + static_cast<Slot>(std::countr_zero(left)));
     }
 }
 
-template <bool traced>
-void Kernel::wake_pair(Slot slot, uint32_t head, uint32_t delta_from) {
-    const Process *pair = &pair_of(head);
-    run<traced>(pair[0]);
-    if (delta_from == 0 || !was_changed_before(slot, delta_from)) {
-        postpone<traced>(pair[1]);
-    }
-}
-
-// Whether an earlier delta cycle of the step has met that slot, and so has postponed the processes
-// that watch no other: no replay has more than one delta cycle.
-bool Kernel::was_changed_before(Slot slot, uint32_t delta_from) const {
-    const Changed *first = changed_.get();
-    return std::any_of(first, first + delta_from,
-                       [slot](const Changed &changed) { return changed.slot == slot; });
-}
-
-template <bool traced>
-void Kernel::run_immediate(uint32_t from, uint32_t end) {
-    for (; from < end; ++from) {
-        const uint32_t last = heads_[changed_[from].slot] & link_mask;
+void Kernel::run_immediate() {
+    const auto wake = [this](Slot slot) {
+        const uint32_t last = heads_[slot] & link_mask;
         for (uint32_t link = next_link(last);; link = next_link(link)) {
             const uint32_t index = process_of(link);
-            ProcessInfo &info = info_at(index);
-            if (info.priority == static_cast<uint32_t>(Priority::immediate) &&
-                !already_woken(info)) {
-                run<traced>(process_at(index));
+            if (kind_of(index).priority == Priority::immediate && !already_woken(info_at(index))) {
+                run(index);
             }
             if (link == last) {
-                break;
+                return;
             }
+        }
+    };
+    for (uint32_t i = 0; i < taken_count_; ++i) {
+        for (uint64_t left = taken_[i].slots; left != 0; left &= left - 1) {
+            wake(taken_[i].first + static_cast<Slot>(std::countr_zero(left)));
         }
     }
 }
 
-template <bool traced>
-void Kernel::wake_list(Slot slot, uint32_t delta_from) {
+void Kernel::wake_list(Slot slot) {
     const uint32_t last = heads_[slot] & link_mask;
     for (uint32_t link = next_link(last);; link = next_link(link)) {
         const uint32_t index = process_of(link);
+        const ProcessKind kind = kind_of(index);
         ProcessInfo &info = info_at(index);
-        const auto priority = static_cast<Priority>(info.priority);
-        if (priority == Priority::normal && !already_woken(info)) {
-            run<traced>(process_at(index));
-        } else if (priority == Priority::postponed && !already_postponed(info, slot, delta_from)) {
-            postpone<traced>(process_at(index));
+        if (kind.priority == Priority::normal && !already_woken(info)) {
+            run(index);
+        } else if (kind.priority == Priority::postponed && !already_postponed(info, slot)) {
+            const Process &process = process_at(index);
+            postpone(kind.function, process.parameter, 1, &process);
         }
         if (link == last) {
             return;
@@ -120,14 +179,13 @@ void Kernel::wake_list(Slot slot, uint32_t delta_from) {
     }
 }
 
-template <bool traced>
 void Kernel::run_postponed() {
     // By number and by copy, since a process may make further ones and so move the queue.
     for (size_t i = 0; i < postponed_.size(); ++i) {
         const PostponedCalls calls = postponed_[i];
         for (uint64_t left = calls.times; left > 0; --left) {
-            if constexpr (traced) {
-                tracer_(tracer_context_, *calls.process);
+            if (tracer_ != nullptr && calls.traced != nullptr) [[unlikely]] {
+                tracer_(tracer_context_, *calls.traced);
             }
             calls.function(calls.parameter);
         }
@@ -135,24 +193,24 @@ void Kernel::run_postponed() {
     postponed_.clear();
 }
 
-template <bool traced>
-void Kernel::run(const Process &process) {
-    if constexpr (traced) {
+void Kernel::run(uint32_t index) {
+    const Process &process = process_at(index);
+    if (tracer_ != nullptr) [[unlikely]] {
         tracer_(tracer_context_, process);
     }
-    process.function(process.parameter);
+    kind_of(index).function(process.parameter);
 }
 
-template <bool traced>
-inline void Kernel::postpone(const Process &process) {
-    if (!traced && !postponed_.empty()) [[likely]] {
+void Kernel::postpone(ProcessFunction function, void *parameter, uint64_t times,
+                      const Process *traced) {
+    if (tracer_ == nullptr && !postponed_.empty()) [[likely]] {
         PostponedCalls &last = postponed_.back();
-        if (last.function == process.function && last.parameter == process.parameter) {
-            ++last.times;
+        if (last.function == function && last.parameter == parameter) {
+            last.times += times;
             return;
         }
     }
-    postponed_.push_back({process.function, process.parameter, 1, &process});
+    postponed_.push_back({function, parameter, times, traced});
 }
 
 bool Kernel::already_woken(ProcessInfo &process) {
@@ -165,9 +223,9 @@ bool Kernel::already_woken(ProcessInfo &process) {
     return already;
 }
 
-bool Kernel::already_postponed(ProcessInfo &process, Slot slot, uint32_t delta_from) {
+bool Kernel::already_postponed(ProcessInfo &process, Slot slot) {
     if (process.is_shared == 0) {
-        return was_changed_before(slot, delta_from);
+        return was_changed_before(slot);
     }
     const bool already = process.mark - first_delta_ <= delta_ - first_delta_;
     process.mark = delta_;

@@ -12,13 +12,18 @@ using ProcessFunction = void (*)(void *parameter);
 enum class Priority : uint8_t { normal, immediate, postponed };
 enum class Trigger : uint8_t { active, event };
 
-// What waking a process reads: 16 bytes. The two that watch one bit are made one after the other
-// and share half a cache line.
+// What a process has to itself when it runs; its address is the process's handle.
 struct Process {
-    ProcessFunction function;
     void *parameter;
 };
-static_assert(sizeof(void *) != 8 || sizeof(Process) == 16);
+
+// What many processes have in common: two kinds serve all of a recorder's.
+struct ProcessKind {
+    ProcessFunction function;
+    uint32_t name;  // the kernel's number for it
+    Priority priority;
+    bool operator==(const ProcessKind &) const = default;
+};
 
 // A link names a watcher: (process index << 1) when the process's own `next` carries the list on,
 // (node index << 1 | 1) when a WatchNode does. Indices start at 1, so that 0 is no link.
@@ -27,8 +32,7 @@ static_assert(sizeof(void *) != 8 || sizeof(Process) == 16);
 struct ProcessInfo {
     uint32_t next;           // link; in use when the process watches a slot
     uint32_t mark;           // its slot; when shared, the last delta cycle in which it was woken
-    uint32_t name : 29;      // the kernel's number for its name
-    uint32_t priority : 2;   // Priority
+    uint32_t kind : 31;      // the kernel's number for its kind
     uint32_t is_shared : 1;  // watches several slots: several may wake it in one delta cycle
 };
 static_assert(sizeof(ProcessInfo) == 12);
