@@ -9,14 +9,26 @@
 #include <cstring>
 #include <memory>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace wf {
 
+struct Nothing {};
+
 // Records of one type in blocks that double in size. Nothing is given back before the whole goes.
-template <typename T>
+// Beside every record lies, in an array of the block's own, a Beside: what is asked for so often
+// that the record itself should not have to come from memory for it.
+template <typename T, typename Beside = Nothing>
 class Arena {
   public:
+    // The records of one block, and what lies beside them.
+    struct View {
+        const T *records = nullptr;
+        size_t count = 0;
+        const Beside *beside = nullptr;
+    };
+
     // `count` value-initialised records side by side.
     T *make(size_t count = 1) {
         if (last_ == nullptr || last_->used + count > last_->size) {
@@ -33,9 +45,21 @@ class Arena {
         return (found_ != nullptr && holds(*found_, address)) || search(address);
     }
 
+    // What lies beside the records that were made last.
+    Beside *beside(const T *first_of_last) {
+        return last_->beside.get() + (first_of_last - last_->records.get());
+    }
+
+    // The block of a record; an empty one when the address is none of a record.
+    View view(const void *address) const {
+        return contains(address) ? View{found_->records.get(), found_->used, found_->beside.get()}
+                                 : View{};
+    }
+
   private:
     struct Block {
         std::unique_ptr<T[]> records;
+        std::unique_ptr<Beside[]> beside;
         size_t size;
         size_t used = 0;
     };
@@ -46,7 +70,9 @@ class Arena {
         const size_t usual =
             last_ == nullptr ? first_size : std::min(last_->size * 2, largest_size);
         const size_t size = std::max(count, usual);
-        auto block = std::make_unique<Block>(Block{std::make_unique<T[]>(size), size});
+        auto block = std::make_unique<Block>(
+            Block{std::make_unique<T[]>(size),
+                  std::make_unique<Beside[]>(std::is_empty_v<Beside> ? 0 : size), size});
         last_ = block.get();
         const auto after = std::upper_bound(
             blocks_.begin(), blocks_.end(), block,

@@ -7,6 +7,11 @@
 
 namespace wf {
 
+// What lies beside a signal.
+static Slot byte_slot(const Signal &signal) {
+    return signal.type->is_byte() ? signal.slot : no_slot;
+}
+
 Region *Design::add_region(Region *parent, std::string_view name, RegionKind kind) {
     std::vector<Region *> &neighbours = parent == nullptr ? roots_ : parent->children;
     Region *region = regions_.make();
@@ -69,6 +74,7 @@ Signal *Design::add_signal(Region *region, std::string_view name, const Type *ty
     signal->type = type;
     signal->slot = slot;
     signal->index = signal_count();
+    *signals_.beside(signal) = byte_slot(*signal);
     declarations_.push_back({region, names_.store(name)});
     modes_.push_back(mode);
     list_signal(region, signal, name);
@@ -97,11 +103,13 @@ Signal *Design::elements(Signal *signal) {
         return signal->elements;
     }
     Signal *elements = signals_.make(count);
+    Slot *slots = signals_.beside(elements);
     for (uint32_t i = 0; i < count; ++i) {
         elements[i].type = type.element_type(i);
         elements[i].parent = signal;
         elements[i].slot = signal->slot + type.element_offset(i);
         elements[i].index = i;
+        slots[i] = byte_slot(elements[i]);
     }
     signal->elements = elements;
     return elements;

@@ -24,8 +24,8 @@ namespace wf {
 // brackets (a generate block's "slot[0]") is found by its name with parentheses too, since the
 // interface writes indices so.
 //
-// Memory, of a one-bit signal: 32 bytes for its handle, 17 for its declaration, 8 in its region's
-// list, its name, and one slot. An element costs 32 bytes once it has been asked for, and its slot.
+// Memory, of a one-bit signal: 36 bytes for its handle, 17 for its declaration, 8 in its region's
+// list, its name, and one slot. An element costs 36 bytes once it has been asked for, and its slot.
 class Design {
   public:
     Design() = default;
@@ -101,6 +101,10 @@ class Design {
     // Whether an address is a handle of this design; any address may be asked for.
     bool is_region(const void *handle) const { return regions_.contains(handle); }
     bool is_signal(const void *handle) const { return signals_.contains(handle); }
+    // The block of signals that a handle belongs to (empty when it is none), and beside each its
+    // slot when its value is one byte, else no_slot. Its count may be larger later.
+    using Signals = Arena<Signal, Slot>;
+    Signals::View signals_around(const void *handle) const { return signals_.view(handle); }
     bool is_type(const void *handle) const { return types.contains(handle); }
 
   private:
@@ -125,7 +129,7 @@ class Design {
     Signal *select(Signal *signal, std::string_view suffix);
 
     Arena<Region> regions_;
-    Arena<Signal> signals_;
+    Signals signals_;
     TextArena names_;
     std::vector<Region *> roots_;
     NameIndex root_index_;

@@ -39,7 +39,7 @@ bool is_number(const wf::Type &type) {
 }
 
 // mti_GetSignalValue in full: any type, the trace, the complaints.
-__attribute__((noinline)) mtiInt32T value_of(mtiSignalIdT signal) {
+mtiInt32T value_in_full(mtiSignalIdT signal) {
     const Call call("mti_GetSignalValue");
     const Signal *record = call.signal(signal);
     if (record == nullptr) {
@@ -57,6 +57,18 @@ __attribute__((noinline)) mtiInt32T value_of(mtiSignalIdT signal) {
         call.trace("(%s) = %d", call.name(record).c_str(), value);
     }
     return value;
+}
+
+// The way from one block of signals to the next, and to everything else.
+__attribute__((noinline)) mtiInt32T value_of(mtiSignalIdT signal) {
+    mtiInt32T value = 0;
+    if (wf::Session *session = wf::Session::current()) {
+        session->open_byte_values(signal);
+        if (wf::Session::byte_values().find(signal, &value)) {
+            return value;
+        }
+    }
+    return value_in_full(signal);
 }
 
 }  // namespace
@@ -203,17 +215,10 @@ mtiDirectionT mti_GetSignalMode(mtiSignalIdT signal) {
     return direction;
 }
 
-// A recorder asks for every bit that changes. The common case, an enumeration and no trace, is
-// dealt with here without a Call, which would cost as much again; all the rest goes the usual way.
 mtiInt32T mti_GetSignalValue(mtiSignalIdT signal) {
-    wf::Session *session = wf::Session::current();
-    if (session != nullptr && session->design.is_signal(signal) && !session->trace.is_on())
-        [[likely]] {
-        const auto *record = reinterpret_cast<const Signal *>(signal);
-        if (record->type->is_byte()) [[likely]] {
-            session->kernel.fetch(*record);
-            return session->kernel.byte(record->slot);
-        }
+    mtiInt32T value;
+    if (wf::Session::byte_values().find(signal, &value)) [[likely]] {
+        return value;
     }
     return value_of(signal);
 }

@@ -24,6 +24,7 @@ Session::~Session() {
     quit();
     trace_off();
     current_ = nullptr;
+    byte_values_.close();
     std::for_each(libraries_.rbegin(), libraries_.rend(), dlclose);
 }
 
@@ -103,17 +104,25 @@ void Session::complain(const char *function, std::string_view what) {
     console.complain("** Error: " + std::string(function) + ": " + std::string(what));
 }
 
+void Session::open_byte_values(const void *signal) {
+    if (!trace.is_on()) {
+        byte_values_.open(design.signals_around(signal), kernel);
+    }
+}
+
 void Session::trace_off() {
     trace.off();
     kernel.trace_wakes(nullptr, nullptr);
 }
 
 void Session::trace_to_console() {
+    byte_values_.close();
     trace.to(console);
     kernel.trace_wakes(trace_wake, this);
 }
 
 void Session::trace_to_file(std::FILE *file) {
+    byte_values_.close();
     trace.to(file);
     kernel.trace_wakes(trace_wake, this);
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/design/design.h"
+#include "host/fli/byte_values.h"
 #include "host/fli/console.h"
 #include "host/fli/ledger.h"
 #include "host/fli/trace.h"
@@ -38,6 +39,10 @@ class Session {
 
     // The process's current simulator, or null.
     static Session *current() { return current_; }
+    // Values of the current simulator's signals; knows none without one, or while calls are traced.
+    static const ByteValues &byte_values() { return byte_values_; }
+    // Has byte_values() know the signals around this one.
+    void open_byte_values(const void *signal);
 
     // Opens a library and calls its init function with a null region, parameter, generics and
     // ports. A library name without a '/' is looked for in the current folder first, then where the
@@ -89,6 +94,7 @@ class Session {
     static void trace_wake(void *session, const Process &process);
 
     static inline Session *current_ = nullptr;
+    static inline ByteValues byte_values_;
 
     struct QuitCallback {
         mtiVoidFuncPtrT function;

@@ -158,7 +158,9 @@ void Kernel::watch_slot(uint32_t index, Slot slot) {
     } else {
         info_at(index).mark = slot;
     }
-    const uint32_t last = heads_[slot] & link_mask;
+    const uint32_t head = heads_[slot];
+    const uint32_t last = head & link_mask;
+    const uint32_t marks = marks_with(head, link);
     if (last == 0) {
         next_link(link) = link;
         groups_[slot >> group_bits].watched |= bit_of(slot);
@@ -167,43 +169,45 @@ void Kernel::watch_slot(uint32_t index, Slot slot) {
         next_link(link) = next_link(last);
         next_link(last) = link;
     }
-    heads_[slot] = (make_a_pair(last, link) ? pair_mark : 0) | link;
+    heads_[slot] = marks | link;
 }
 
-// Whether these two links, the only ones of a slot, are a normal process and, made right after it,
-// a postponed one.
-bool Kernel::is_pair(uint32_t first, uint32_t second) const {
-    if (first == 0 || ((first | second) & 1U) != 0 || (first & 2U) != 0 || second != first + 2) {
-        return false;
+// What the watchers of a slot are when one more joins them, on a process's own link or a node's.
+uint32_t Kernel::marks_with(uint32_t head, uint32_t link) {
+    const uint32_t marks = head & ~link_mask;
+    if ((link & 1U) != 0 || (head != 0 && marks == 0)) {
+        return 0;
     }
-    const ProcessInfo &one = info_at(first >> 1);
-    const ProcessInfo &other = info_at(second >> 1);
-    return one.next == second && other.next == first && !one.is_shared && !other.is_shared &&
-           kinds_[one.kind].priority == Priority::normal &&
-           kinds_[other.kind].priority == Priority::postponed;
+    if (marks != open_pair) {
+        const bool is_even = (link & 2U) == 0;
+        return is_even && kind_of(link >> 1).priority == Priority::normal ? open_pair : 0;
+    }
+    const uint32_t last = head & link_mask;
+    if (link != last + 2 || !is_common_pair(last >> 1, link >> 1)) {
+        return 0;
+    }
+    return next_link(last) == last ? single_pair : several_pairs;
 }
 
-// Whether two links are a common pair. The first pair ever says what is common.
-bool Kernel::make_a_pair(uint32_t first, uint32_t second) {
-    if (!is_pair(first, second)) {
-        return false;
-    }
-    const uint32_t kind = info_at(first >> 1).kind;
-    const uint32_t postponed_kind = info_at(second >> 1).kind;
-    void *parameter = process_at(second >> 1).parameter;
-    if (common_.normal == nullptr) {
+// Whether a normal process and another are of the two kinds that all common pairs have. The first
+// pair ever says which those are.
+bool Kernel::is_common_pair(uint32_t normal, uint32_t postponed) {
+    const uint32_t kind = info_at(normal).kind;
+    const uint32_t postponed_kind = info_at(postponed).kind;
+    void *parameter = process_at(postponed).parameter;
+    if (common_.normal == nullptr && kinds_[postponed_kind].priority == Priority::postponed) {
         common_ = {kind, postponed_kind, kinds_[kind].function, kinds_[postponed_kind].function,
                    parameter};
     }
-    return kind == common_.normal_kind && postponed_kind == common_.postponed_kind &&
-           parameter == common_.postponed_parameter;
+    return common_.normal != nullptr && kind == common_.normal_kind &&
+           postponed_kind == common_.postponed_kind && parameter == common_.postponed_parameter;
 }
 
 // A process that gets a second slot: a pair that it was one of is none any more.
 void Kernel::share(uint32_t index) {
     ProcessInfo &process = info_at(index);
     if (process.is_shared == 0) {
-        heads_[process.mark] &= ~pair_mark;
+        heads_[process.mark] &= link_mask;
         process.is_shared = 1;
         process.mark = first_delta_ - 1;
     }

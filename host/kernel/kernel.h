@@ -152,10 +152,12 @@ class Kernel {
     }
 
   private:
-    // A slot's head: bit 31 says that its watchers are a common pair, the rest is the link to the
-    // last of its watchers, whose own link leads to the first. 0: nobody watches.
-    static constexpr uint32_t pair_mark = 0x80000000U;
-    static constexpr uint32_t link_mask = pair_mark - 1;
+    // A slot's head: in the two upper bits what its watchers are, in the rest the link to the last
+    // of them, whose own link leads to the first. 0: nobody watches; only a link: any watchers.
+    static constexpr uint32_t open_pair = 0x40000000U;  // common pairs or nobody, then a normal one
+    static constexpr uint32_t several_pairs = 0x80000000U;  // common pairs
+    static constexpr uint32_t single_pair = 0xc0000000U;
+    static constexpr uint32_t link_mask = open_pair - 1;
 
     // 64 neighbouring slots, a bit for each.
     static constexpr uint32_t group_bits = 6;
@@ -208,6 +210,7 @@ class Kernel {
     void wake_slots();
     void wake_one_by_one(const Taken &taken);
     uint64_t collect_pairs(Slot first, uint64_t slots, Batch &batch) const;
+    void collect_list(uint32_t head, Batch &batch);
     void run_batch(Batch &batch);
     void wake_list(Slot slot);
     void run_postponed();
@@ -228,8 +231,8 @@ class Kernel {
     uint32_t intern_kind(std::string_view name, ProcessFunction function, Priority priority);
     uint32_t index_of(const void *process) const;
     void share(uint32_t index);
-    bool is_pair(uint32_t first, uint32_t second) const;
-    bool make_a_pair(uint32_t first, uint32_t second);
+    uint32_t marks_with(uint32_t head, uint32_t link);
+    bool is_common_pair(uint32_t normal, uint32_t postponed);
     Process &process_at(uint32_t index) const {
         return blocks_[index >> block_bits]->processes[index & 1U][(index & block_mask) >> 1];
     }

@@ -87,11 +87,16 @@ void Kernel::wake_slots() {
             continue;
         }
         uint64_t left = collect_pairs(taken.first, taken.slots, batch);
-        while (left != 0) [[unlikely]] {
+        while (left != 0) {
+            const Slot slot = taken.first + static_cast<Slot>(std::countr_zero(left));
+            if (heads_[slot] >= several_pairs) {
+                collect_list(heads_[slot], batch);
+            } else {
                 run_batch(batch);
-                wake_list(taken.first + static_cast<Slot>(std::countr_zero(left)));
-                left = collect_pairs(taken.first, left & (left - 1), batch);
+                wake_list(slot);
             }
+            left = collect_pairs(taken.first, left & (left - 1), batch);
+        }
         if (batch.count >= Batch::enough) {
             run_batch(batch);
         }
@@ -100,15 +105,15 @@ void Kernel::wake_slots() {
 }
 
 // The head of a pair links to the postponed process, whose index is one more than the normal one's.
-// Adds the pairs of a group's slots to the batch, up to a slot that has other watchers. Answers the
-// slots from there on.
+// Adds the pairs of a group's slots to the batch, up to a slot that has other watchers than one
+// pair. Answers the slots from there on.
 inline uint64_t Kernel::collect_pairs(Slot first, uint64_t slots, Batch &batch) const {
     const uint32_t *heads = heads_.get() + first;
     const std::unique_ptr<Block, BlockFree> *blocks = blocks_.data();
     const Process **end = batch.processes + batch.count;
     while (slots != 0) {
         const uint32_t head = heads[std::countr_zero(slots)];
-        if ((head & pair_mark) == 0) [[unlikely]] {
+        if (head < single_pair) [[unlikely]] {
             break;
         }
         const uint32_t half = (head & link_mask) >> 2;
@@ -120,6 +125,24 @@ inline uint64_t Kernel::collect_pairs(Slot first, uint64_t slots, Batch &batch) 
     }
     batch.count = static_cast<uint32_t>(end - batch.processes);
     return slots;
+}
+
+// The same for one slot with several pairs: a clock that goes by its own name in every instance.
+void Kernel::collect_list(uint32_t head, Batch &batch) {
+    const uint32_t last = head & link_mask;
+    for (uint32_t link = last;;) {
+        link = info_at(link >> 1).next;
+        const Process *process = &process_at(link >> 1);
+        __builtin_prefetch(process);
+        batch.processes[batch.count++] = process;
+        if (batch.count >= Batch::enough) {
+            run_batch(batch);
+        }
+        link += 2;  // the postponed one's
+        if (link == last) {
+            return;
+        }
+    }
 }
 
 void Kernel::run_batch(Batch &batch) {
@@ -183,10 +206,10 @@ void Kernel::run_postponed() {
     // By number and by copy, since a process may make further ones and so move the queue.
     for (size_t i = 0; i < postponed_.size(); ++i) {
         const PostponedCalls calls = postponed_[i];
+        if (tracer_ != nullptr && calls.traced != nullptr) [[unlikely]] {
+            tracer_(tracer_context_, *calls.traced);
+        }
         for (uint64_t left = calls.times; left > 0; --left) {
-            if (tracer_ != nullptr && calls.traced != nullptr) [[unlikely]] {
-                tracer_(tracer_context_, *calls.traced);
-            }
             calls.function(calls.parameter);
         }
     }

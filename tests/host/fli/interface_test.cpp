@@ -281,6 +281,40 @@ TEST_F(InterfaceTest, RefusesWrongHandlesLoudly) {
     }
 }
 
+// Values go a short way that knows one block of handles, and what ends that knowledge.
+TEST_F(InterfaceTest, AnswersEachValueWhateverWasAskedBefore) {
+    const mtiSignalIdT clk = sim.handle("/top/clk");
+    sim.set("/top/clk", '1');
+    EXPECT_EQ(mti_GetSignalValue(clk), 3);
+    sim.signal("/top/large", types.array(types.std_logic(), 0, 9999));
+    for (const char *element : {"/top/large(0)", "/top/large(9999)", "/top/clk"}) {
+        for (const char value : {'1', '0'}) {
+            sim.set(element, value);
+            EXPECT_EQ(mti_GetSignalValue(sim.handle(element)), value - '0' + 2) << element;
+        }
+    }
+    auto *inside = reinterpret_cast<mtiSignalIdT>(reinterpret_cast<char *>(clk) + 8);
+    EXPECT_EQ(mti_GetSignalValue(inside), 0);
+    EXPECT_THAT(sim.lines(), SizeIs(1)) << "an address within a signal is no handle";
+    sim.session().trace_to_console();
+    EXPECT_EQ(mti_GetSignalValue(clk), 2);
+    EXPECT_THAT(sim.lines(), ElementsAre("fli: mti_GetSignalValue(/top/clk) = 2"));
+    sim.session().trace_off();
+    EXPECT_EQ(mti_GetSignalValue(clk), 2);
+    struct Supply : ValueSupply {
+        Kernel &kernel;
+        explicit Supply(Kernel &the_kernel) : kernel(the_kernel) {}
+        void wanted(Slot first, uint32_t) override { kernel.set_byte(first, 3); }
+        void watched(Slot first) override { kernel.set_byte(first, 2); }
+    } supply(sim.kernel());
+    sim.kernel().supply_from(&supply);
+    EXPECT_EQ(mti_GetSignalValue(clk), 3) << "fetched";
+    static const auto nothing = [](void *) {};
+    mti_Sensitize(mti_CreateProcess(text("p"), nothing, nullptr), clk, MTI_EVENT);
+    EXPECT_EQ(mti_GetSignalValue(clk), 2) << "sent unasked from now on";
+    sim.kernel().supply_from(nullptr);
+}
+
 TEST_F(InterfaceTest, RefusesOtherWrongArgumentsLoudly) {
     static const auto nothing = [](void *) {};
     int stranger = 0;

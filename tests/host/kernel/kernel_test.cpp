@@ -207,11 +207,11 @@ class ModelTest : public KernelTest {
         bus = signal(types.array(types.std_logic(), 0, width - 1));
         for (uint32_t bit = 0; bit < width; ++bit) {
             const uint32_t sort = below(8);
-            if (sort < 4) {
+            for (uint32_t pairs = sort < 4 ? 1 + sort * below(40) / 3 : 0; pairs > 0; --pairs) {
                 watch(bit, false, sort == 0 && bit + 10 < width ? static_cast<int>(bit + 10) : -1);
                 add(bit, &ModelTest::count_postponed, nullptr, Priority::postponed);
             }
-            for (uint32_t more = sort == 5 ? 1 + below(4) : 0; more > 0; --more) {
+            for (uint32_t more = sort == 5 || sort == 3 ? below(4) : 0; more > 0; --more) {
                 watch(bit, below(2) == 0, -1);
             }
         }
@@ -222,7 +222,7 @@ class ModelTest : public KernelTest {
         kernel.sensitize(kernel.create_process("p", function, parameter, priority),
                          design.elements(bus)[bit]);
         if (parameter == nullptr) {
-            calls[bit] = 1;
+            ++calls[bit];
         }
     }
     void watch(uint32_t bit, bool postponed, int passes_on_to) {
