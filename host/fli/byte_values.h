@@ -3,6 +3,7 @@
 // slots to the value, without the signal's record. A recorder goes it for every bit that changes.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 
 #include "host/design/design.h"
@@ -25,8 +26,8 @@ class ByteValues {
     bool find(const void *handle, int32_t *value) const {
         const auto distance =
             reinterpret_cast<uintptr_t>(handle) - reinterpret_cast<uintptr_t>(signals_.records);
-        const uintptr_t number = distance / sizeof(Signal);
-        if (number >= signals_.count || distance % sizeof(Signal) != 0) {
+        const uintptr_t number = record_number(distance);
+        if (number >= signals_.count) {
             return false;
         }
         const Slot slot = signals_.beside[number];
@@ -38,6 +39,16 @@ class ByteValues {
     }
 
   private:
+    // Which record begins at that distance from the first; a huge number when none does.
+    static uintptr_t record_number(uintptr_t distance) {
+        constexpr size_t size = sizeof(Signal);
+        if constexpr (std::has_single_bit(size)) {
+            return std::rotr(distance, std::countr_zero(size));
+        } else {
+            return distance % size == 0 ? distance / size : UINTPTR_MAX;
+        }
+    }
+
     Design::Signals::View signals_;
     const Kernel *kernel_ = nullptr;
 };

@@ -52,7 +52,7 @@ class ValueSupply {
 // Cost: a set with an equal value is a compare; a change is that, a store, and a look at two bits
 // of the slot's group: watched, and pending already. The first change in a group enters the group
 // into the queue; those of a vector enter together. Nothing is allocated in the long run. Memory: 4
-// bytes a slot, 44 a group, 20 a process.
+// bytes a slot, 48 a group, 20 a process.
 //
 // Most watched slots are bits with a pair of watchers of their own: a normal process and, made
 // right after it, a postponed one, every pair of the same two kinds and all the postponed ones the

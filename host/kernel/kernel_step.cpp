@@ -12,6 +12,11 @@ namespace {
 // groups ahead.
 constexpr uint32_t heads_ahead = 6;
 
+// The number of the lowest bit that is set.
+Slot lowest(uint64_t slots) {
+    return static_cast<Slot>(std::countr_zero(slots));
+}
+
 }  // namespace
 
 // Normal processes of common pairs whose turn has come. Between finding one and calling it there is
@@ -78,7 +83,7 @@ void Kernel::wake_slots() {
     for (uint32_t i = 0; i < count; ++i) {
         if (i + heads_ahead < count) {
             const Taken &later = taken_[i + heads_ahead];
-            __builtin_prefetch(&heads_[later.first + std::countr_zero(later.slots)]);
+            __builtin_prefetch(&heads_[later.first + lowest(later.slots)]);
         }
         const Taken taken = taken_[i];
         if (!is_plain && (tracer_ != nullptr || (earlier_[taken.group()] & taken.slots) != 0)) {
@@ -88,7 +93,7 @@ void Kernel::wake_slots() {
         }
         uint64_t left = collect_pairs(taken.first, taken.slots, batch);
         while (left != 0) {
-            const Slot slot = taken.first + static_cast<Slot>(std::countr_zero(left));
+            const Slot slot = taken.first + lowest(left);
             if (heads_[slot] >= several_pairs) {
                 collect_list(heads_[slot], batch);
             } else {
@@ -112,7 +117,7 @@ inline uint64_t Kernel::collect_pairs(Slot first, uint64_t slots, Batch &batch) 
     const std::unique_ptr<Block, BlockFree> *blocks = blocks_.data();
     const Process **end = batch.processes + batch.count;
     while (slots != 0) {
-        const uint32_t head = heads[std::countr_zero(slots)];
+        const uint32_t head = heads[lowest(slots)];
         if (head < single_pair) [[unlikely]] {
             break;
         }
@@ -160,7 +165,7 @@ void Kernel::run_batch(Batch &batch) {
 
 void Kernel::wake_one_by_one(const Taken &taken) {
     for (uint64_t left = taken.slots; left != 0; left &= left - 1) {
-        wake_list(taken.first + static_cast<Slot>(std::countr_zero(left)));
+        wake_list(taken.first + lowest(left));
     }
 }
 
@@ -179,7 +184,7 @@ void Kernel::run_immediate() {
     };
     for (uint32_t i = 0; i < taken_count_; ++i) {
         for (uint64_t left = taken_[i].slots; left != 0; left &= left - 1) {
-            wake(taken_[i].first + static_cast<Slot>(std::countr_zero(left)));
+            wake(taken_[i].first + lowest(left));
         }
     }
 }
