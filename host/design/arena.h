@@ -60,7 +60,7 @@ class Arena {
     struct Block {
         std::unique_ptr<T[]> records;
         std::unique_ptr<Beside[]> beside;
-        size_t size;
+        size_t size = 0;
         size_t used = 0;
     };
     static constexpr size_t first_size = 64;
@@ -70,9 +70,12 @@ class Arena {
         const size_t usual =
             last_ == nullptr ? first_size : std::min(last_->size * 2, largest_size);
         const size_t size = std::max(count, usual);
-        auto block = std::make_unique<Block>(
-            Block{std::make_unique<T[]>(size),
-                  std::make_unique<Beside[]>(std::is_empty_v<Beside> ? 0 : size), size});
+        auto block = std::make_unique<Block>();
+        block->records = std::make_unique<T[]>(size);
+        if constexpr (!std::is_empty_v<Beside>) {
+            block->beside = std::make_unique<Beside[]>(size);
+        }
+        block->size = size;
         last_ = block.get();
         const auto after = std::upper_bound(
             blocks_.begin(), blocks_.end(), block,
