@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -16,7 +18,9 @@ namespace wf {
 
 struct Nothing {};
 
-// Records of one type in blocks that double in size. Nothing is given back before the whole goes.
+// Records of one type in few large blocks: an address is found the sooner the fewer there are. A
+// block costs address space; memory only as far as it has been filled. Nothing is given back before
+// the whole goes.
 // Beside every record lies, in an array of the block's own, a Beside: what is asked for so often
 // that the record itself should not have to come from memory for it.
 template <typename T, typename Beside = Nothing>
@@ -29,12 +33,22 @@ class Arena {
         const Beside *beside = nullptr;
     };
 
+    Arena() = default;
+    ~Arena() {
+        for (const auto &block : blocks_) {
+            std::destroy_n(block->records.get(), block->used);
+        }
+    }
+    Arena(const Arena &) = delete;
+    Arena &operator=(const Arena &) = delete;
+
     // `count` value-initialised records side by side.
     T *make(size_t count = 1) {
         if (last_ == nullptr || last_->used + count > last_->size) {
             add_block(count);
         }
         T *first = last_->records.get() + last_->used;
+        std::uninitialized_value_construct_n(first, count);
         last_->used += count;
         return first;
     }
@@ -57,23 +71,34 @@ class Arena {
     }
 
   private:
+    struct Free {
+        void operator()(void *memory) const { std::free(memory); }
+    };
     struct Block {
-        std::unique_ptr<T[]> records;
-        std::unique_ptr<Beside[]> beside;
+        std::unique_ptr<T[], Free> records;
+        std::unique_ptr<Beside[], Free> beside;
         size_t size = 0;
         size_t used = 0;
     };
-    static constexpr size_t first_size = 64;
-    static constexpr size_t largest_size = size_t{1} << 18;
+    static constexpr size_t first_size = (size_t{32} << 20) / sizeof(T);
+
+    // Zeroed, and not there before it is touched.
+    template <typename Item>
+    static std::unique_ptr<Item[], Free> room_for(size_t count) {
+        static_assert(alignof(Item) <= alignof(std::max_align_t));
+        std::unique_ptr<Item[], Free> room(static_cast<Item *>(std::calloc(count, sizeof(Item))));
+        if (room == nullptr) {
+            throw std::bad_alloc();
+        }
+        return room;
+    }
 
     void add_block(size_t count) {
-        const size_t usual =
-            last_ == nullptr ? first_size : std::min(last_->size * 2, largest_size);
-        const size_t size = std::max(count, usual);
+        const size_t size = std::max(count, last_ == nullptr ? first_size : last_->size * 2);
         auto block = std::make_unique<Block>();
-        block->records = std::make_unique<T[]>(size);
+        block->records = room_for<T>(size);
         if constexpr (!std::is_empty_v<Beside>) {
-            block->beside = std::make_unique<Beside[]>(size);
+            block->beside = room_for<Beside>(size);
         }
         block->size = size;
         last_ = block.get();
