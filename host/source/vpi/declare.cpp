@@ -201,10 +201,7 @@ Form Declarations::form_of(PLI_INT32 kind, uint32_t width) const {
     if (kind == vpiRealVar) {
         return Form::real;
     }
-    if (!traits_.offers_vectors) {
-        return Form::text;
-    }
-    return width == 1 ? Form::scalar : Form::vector;
+    return width == 1 && traits_.offers_scalars ? Form::scalar : Form::text;
 }
 
 const Type *Declarations::type_of(vpiHandle handle, PLI_INT32 kind, uint32_t width) {

@@ -10,10 +10,10 @@
 
 namespace wf::vpi {
 
-// How a value is asked for.
+// How a value is asked for. Vectors as texts: Icarus Verilog makes one in fewer steps than the
+// words of a vpiVectorVal.
 enum class Form : uint8_t {
     scalar,  // vpiScalarVal
-    vector,  // vpiVectorVal
     text,    // vpiBinStrVal
     real,    // vpiRealVal
 };
@@ -47,7 +47,7 @@ struct Objects {
 struct Traits {
     const char
         *shortcomings;       // what the simulator does not show; null when there is nothing to say
-    bool offers_vectors;     // the formats vpiScalarVal and vpiVectorVal; else texts
+    bool offers_scalars;     // the format vpiScalarVal; else texts
     bool offers_directions;  // of ports
     bool offers_memories;    // as such, with their words
     bool offers_system_tasks;  // further ones, registered by modules

@@ -58,7 +58,7 @@ Traits traits_of_simulator() {
     const std::string name = product();
     const bool is_ghdl = name == "GHDL";
     return {.shortcomings = is_ghdl ? ghdl_shortcomings : nullptr,
-            .offers_vectors = !is_ghdl,
+            .offers_scalars = !is_ghdl,
             .offers_directions = !is_ghdl,
             .offers_memories = !is_ghdl,
             .offers_system_tasks = !is_ghdl,
@@ -198,11 +198,6 @@ void Simulator::read(Object &object) {
             vpi_get_value(object.handle, &value);
             kernel_->set_byte(object.slot, decode_scalar(value.value.scalar));
             return;
-        case Form::vector:
-            value.format = vpiVectorVal;
-            vpi_get_value(object.handle, &value);
-            decode_vector(value.value.vector, object.width, bits_.data());
-            break;
         case Form::text:
             value.format = vpiBinStrVal;
             vpi_get_value(object.handle, &value);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Eight bits of a vector at a time, by a table.
+// Eight characters at a time as long as they are 0 and 1.
 #include "host/source/vpi/values.h"
 
 #include <array>
@@ -9,25 +9,8 @@
 namespace wf::vpi {
 namespace {
 
-// Bytes 0 or 1 from the bits of a byte, the highest first in memory.
-constexpr std::array<uint64_t, 256> make_spread() {
-    std::array<uint64_t, 256> spread{};
-    for (unsigned byte = 0; byte < 256; ++byte) {
-        for (unsigned bit = 0; bit < 8; ++bit) {
-            spread[byte] |= uint64_t{byte >> bit & 1U} << (8 * (7 - bit));
-        }
-    }
-    return spread;
-}
-constexpr std::array<uint64_t, 256> spread = make_spread();
 constexpr uint64_t ones = 0x0101010101010101U;
 static_assert(std::endian::native == std::endian::little);
-
-// Of (aval, bval): 00 -> 2, 10 -> 3, 01 -> 4, 11 -> 1. For each pair of bits, the position is
-// 2 + a + 2b - 4ab.
-constexpr uint64_t positions(uint64_t a, uint64_t b) {
-    return ones * logic_0 + a + 2 * b - 4 * (a & b);
-}
 
 constexpr std::array<uint8_t, 256> make_letters() {
     std::array<uint8_t, 256> letters{};
@@ -42,8 +25,10 @@ constexpr std::array<uint8_t, 256> make_letters() {
 }
 constexpr std::array<uint8_t, 256> letters = make_letters();
 
-uint64_t eight(const s_vpi_vecval &word, unsigned shift) {
-    return positions(spread[word.aval >> shift & 0xffU], spread[word.bval >> shift & 0xffU]);
+void decode_letters(const char *text, uint32_t count, uint8_t *out) {
+    for (uint32_t i = 0; i < count; ++i) {
+        out[i] = letters[static_cast<uint8_t>(text[i])];
+    }
 }
 
 }  // namespace
@@ -53,19 +38,6 @@ uint8_t decode_scalar(PLI_INT32 scalar) {
     return scalar >= 0 && scalar < 4 ? by_number[scalar] : logic_x;
 }
 
-void decode_vector(const s_vpi_vecval *words, uint32_t width, uint8_t *out) {
-    uint32_t bit = 0;
-    for (; bit + 8 <= width; bit += 8) {
-        const uint64_t values = eight(words[bit / 32], bit % 32);
-        std::memcpy(out + (width - bit - 8), &values, 8);
-    }
-    const uint32_t rest = width - bit;
-    if (rest != 0) {
-        const uint64_t values = eight(words[bit / 32], bit % 32) >> (8 * (8 - rest));
-        std::memcpy(out, &values, rest);
-    }
-}
-
 void decode_text(const char *text, uint32_t width, uint8_t *out) {
     const size_t length = std::strlen(text);
     if (length > width) {
@@ -73,9 +45,21 @@ void decode_text(const char *text, uint32_t width, uint8_t *out) {
     }
     const uint32_t missing = length < width ? width - static_cast<uint32_t>(length) : 0;
     std::memset(out, logic_x, missing);
-    for (uint32_t i = missing; i < width; ++i) {
-        out[i] = letters[static_cast<uint8_t>(text[i - missing])];
+    out += missing;
+    uint32_t left = width - missing;
+    // The characters 0 and 1 differ from the positions of '0' and '1' in the same bits.
+    for (; left >= 8; left -= 8, text += 8, out += 8) {
+        uint64_t word;
+        std::memcpy(&word, text, sizeof word);
+        const uint64_t levels = word ^ ones * '0';
+        if ((levels & ~ones) != 0) {
+            decode_letters(text, 8, out);
+            continue;
+        }
+        word = levels + ones * logic_0;
+        std::memcpy(out, &word, sizeof word);
     }
+    decode_letters(text, left, out);
 }
 
 }  // namespace wf::vpi

@@ -18,12 +18,9 @@ inline constexpr uint8_t logic_z = 4;
 // A vpiScalarVal: 0, 1, Z, X in the interface's numbers; anything else is X.
 uint8_t decode_scalar(PLI_INT32 scalar);
 
-// `width` bits of a vector; `out` has room for them.
-void decode_vector(const s_vpi_vecval *words, uint32_t width, uint8_t *out);
-
 // The characters of a vpiBinStrVal: 0 1 X Z and the other letters of std_logic, of either case;
 // anything else is X. A text that is too short is extended with X on the left; of one that is too
-// long, the rightmost characters count.
+// long, the rightmost characters count. `out` has room for `width` bits.
 void decode_text(const char *text, uint32_t width, uint8_t *out);
 
 }  // namespace wf::vpi
