@@ -73,9 +73,10 @@ Signal *Design::add_signal(Region *region, std::string_view name, const Type *ty
     Signal *signal = signals_.make();
     signal->type = type;
     signal->slot = slot;
-    signal->index = signal_count();
+    signal->owner = region;
+    signal->index = signal_count() & Signal::index_mask;
     *signals_.beside(signal) = byte_slot(*signal);
-    declarations_.push_back({region, names_.store(name)});
+    signal_names_.push_back(names_.store(name));
     modes_.push_back(mode);
     list_signal(region, signal, name);
     return signal;
@@ -106,9 +107,10 @@ Signal *Design::elements(Signal *signal) {
     Slot *slots = signals_.beside(elements);
     for (uint32_t i = 0; i < count; ++i) {
         elements[i].type = type.element_type(i);
-        elements[i].parent = signal;
+        elements[i].owner = signal;
+        elements[i].is_part = 1;
         elements[i].slot = signal->slot + type.element_offset(i);
-        elements[i].index = i;
+        elements[i].index = i & Signal::index_mask;
         slots[i] = byte_slot(elements[i]);
     }
     signal->elements = elements;
@@ -116,8 +118,8 @@ Signal *Design::elements(Signal *signal) {
 }
 
 const Signal *Design::declared(const Signal *signal) {
-    while (signal->parent != nullptr) {
-        signal = signal->parent;
+    while (!signal->is_declared()) {
+        signal = signal->parent();
     }
     return signal;
 }

@@ -24,7 +24,7 @@ namespace wf {
 // brackets (a generate block's "slot[0]") is found by its name with parentheses too, since the
 // interface writes indices so.
 //
-// Memory, of a one-bit signal: 36 bytes for its handle, 17 for its declaration, 8 in its region's
+// Memory, of a one-bit signal: 36 bytes for its handle, 9 for its declaration, 8 in its region's
 // list, its name, and one slot. An element costs 36 bytes once it has been asked for, and its slot.
 class Design {
   public:
@@ -82,14 +82,16 @@ class Design {
     Signal *elements(Signal *signal);
     // The declared signal that this is, or is a part of.
     static const Signal *declared(const Signal *signal);
-    Region *region_of(const Signal *signal) const { return declaration(signal).region; }
-    char *name_of(const Signal *signal) const { return declaration(signal).name; }
+    Region *region_of(const Signal *signal) const {
+        return static_cast<Region *>(declared(signal)->owner);
+    }
+    char *name_of(const Signal *signal) const { return signal_names_[declared(signal)->index]; }
     Mode mode_of(const Signal *signal) const { return modes_[declared(signal)->index]; }
     // Appends the signal as written in its region: "bus(3)", "rec.arr(0)".
     void append_indirect_name(const Signal *signal, std::string &text) const;
     // "/top/u1/bus(3)".
     std::string full_name(const Signal *signal);
-    uint32_t signal_count() const { return static_cast<uint32_t>(declarations_.size()); }
+    uint32_t signal_count() const { return static_cast<uint32_t>(signal_names_.size()); }
 
     // --- storage ---
     // The values of all slots; moves when storage is added.
@@ -108,14 +110,6 @@ class Design {
     bool is_type(const void *handle) const { return types.contains(handle); }
 
   private:
-    struct Declaration {
-        Region *region;
-        char *name;
-    };
-
-    const Declaration &declaration(const Signal *signal) const {
-        return declarations_[declared(signal)->index];
-    }
     Slot grow_storage(Slot slots, uint8_t fill);
     static void fill_defaults(const Type *type, uint8_t *bytes);
     static void list_signal(Region *region, Signal *signal, std::string_view name);
@@ -134,9 +128,9 @@ class Design {
     std::vector<Region *> roots_;
     NameIndex root_index_;
     bool roots_have_odd_names_ = false;
-    std::vector<Declaration> declarations_;
-    std::vector<Mode> modes_;      // of the declarations
-    std::vector<uint8_t> values_;  // eight bytes longer than the slots, for reads by the word
+    std::vector<char *> signal_names_;  // of the declared signals, by number
+    std::vector<Mode> modes_;           // of the declared signals
+    std::vector<uint8_t> values_;       // eight bytes longer than the slots, for reads by the word
     Slot slot_count_ = 0;
     const Region *named_ = nullptr;  // the region whose full name is kept
     std::string full_name_;

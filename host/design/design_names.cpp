@@ -97,8 +97,8 @@ void Design::append_indirect_name(const Signal *signal, std::string &text) const
         text += name_of(signal);
         return;
     }
-    append_indirect_name(signal->parent, text);
-    const Type &whole = *signal->parent->type;
+    append_indirect_name(signal->parent(), text);
+    const Type &whole = *signal->parent()->type;
     if (whole.kind == TypeKind::record) {
         text.append(1, '.').append(whole.fields[signal->index].name);
         return;

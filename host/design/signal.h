@@ -14,12 +14,18 @@ enum class Mode : uint8_t { internal, in, out, inout };
 // One signal, element or field: 32 bytes, so that ten million bits stay affordable.
 struct Signal {
     const Type *type;
-    const Signal *parent;  // the composite it is part of; null for a declared signal
-    Signal *elements;      // its own parts, side by side; null until they are asked for
-    Slot slot;             // where its value starts
-    uint32_t index;        // its position in the parent; the declaration's number when declared
+    void *owner;          // the region of a declared signal; of a part the composite it is part of
+    Signal *elements;     // its own parts, side by side; null until they are asked for
+    Slot slot;            // where its value starts
+    uint32_t index : 31;  // its position in the composite; the declaration's number when declared
+    uint32_t is_part : 1;
 
-    bool is_declared() const { return parent == nullptr; }
+    // More numbers than signals that fit into any memory.
+    static constexpr uint32_t index_mask = 0x7fffffffU;
+
+    bool is_declared() const { return is_part == 0; }
+    // Of a part only.
+    const Signal *parent() const { return static_cast<Signal *>(owner); }
 };
 static_assert(sizeof(void *) != 8 || sizeof(Signal) == 32);
 

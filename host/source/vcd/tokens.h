@@ -22,7 +22,7 @@ namespace wf::vcd {
 // Lines are counted block by block as the buffer moves on, never token by token.
 class Tokens {
   public:
-    static constexpr std::size_t default_block = std::size_t{1} << 20;
+    static constexpr std::size_t default_block = std::size_t{1} << 17;
     // The longest token, or value with its identifier code, that is accepted. Bytes.
     static constexpr std::size_t longest = std::size_t{17} << 20;
     static constexpr std::size_t slack = 16;
