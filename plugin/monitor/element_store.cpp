@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Two bump allocators, one for elements and one for names, emptied together.
+//
+// A name is kept in two parts: what leads to its region, which it has in common with its neighbours
+// and which is most of it deep in a hierarchy, and the rest. Registration goes region by region, so
+// only the path of the last name is tried for the next one; a path may be there twice.
 #include "plugin/monitor/element_store.h"
 
 #include <sys/mman.h>
@@ -24,10 +28,24 @@ struct ElementSpace {
     size_t taken;           // bytes
 };
 
+// How a name is stored: the number of its path, then, without a gap, its leaf and a NUL.
+typedef uint32_t PathNumber;
+
+// The text up to and with the last '/'.
+struct Path {
+    const char *text;
+    size_t length;
+};
+
 struct NameSpace {
     NameBlock *blocks;
     char *free;   // first byte not yet taken of the newest block
     size_t left;  // bytes from there on
+    Path *paths;  // owned
+    PathNumber path_count;
+    PathNumber path_capacity;
+    char *whole;  // the name that was put together last; owned
+    size_t whole_size;
 };
 
 static ElementSpace elements;
@@ -95,6 +113,80 @@ static char *take_text(size_t size) {
     return taken;
 }
 
+// The number of a path, a new one unless the last name had the same. False when memory has run out.
+static bool number_of_path(const char *text, size_t length, PathNumber *number) {
+    if (names.path_count > 0) {
+        *number = names.path_count - 1;
+        const Path &last = names.paths[*number];
+        if (last.length == length && memcmp(last.text, text, length) == 0) {
+            return true;
+        }
+    }
+    if (names.path_count == names.path_capacity) {
+        const PathNumber capacity = std::max<PathNumber>(16, names.path_capacity * 2);
+        void *grown = realloc(names.paths, capacity * sizeof(Path));
+        if (grown == nullptr) {
+            return false;
+        }
+        names.paths = static_cast<Path *>(grown);
+        names.path_capacity = capacity;
+    }
+    char *copy = take_text(length + 1);
+    if (copy == nullptr) {
+        return false;
+    }
+    memcpy(copy, text, length);
+    copy[length] = '\0';
+    *number = names.path_count++;
+    names.paths[*number] = {copy, length};
+    return true;
+}
+
+// Null when memory has run out.
+static char *store_name(const char *name) {
+    const char *slash = strrchr(name, '/');
+    const char *leaf = slash == nullptr ? name : slash + 1;
+    const size_t leaf_size = strlen(leaf) + 1;
+    PathNumber path = 0;
+    if (!number_of_path(name, static_cast<size_t>(leaf - name), &path)) {
+        return nullptr;
+    }
+    char *stored = take_text(sizeof path + leaf_size);
+    if (stored != nullptr) {
+        memcpy(stored, &path, sizeof path);
+        memcpy(stored + sizeof path, leaf, leaf_size);
+    }
+    return stored;
+}
+
+static bool make_room_for_whole(size_t size) {
+    if (size > names.whole_size) {
+        auto *grown = static_cast<char *>(realloc(names.whole, size));
+        if (grown == nullptr) {
+            return false;
+        }
+        names.whole = grown;
+        names.whole_size = size;
+    }
+    return true;
+}
+
+const char *mfli_stored_name(const void *element) {
+    const char *stored =
+        mfli_chunk_of(element)->names[mfli_line_of(element) - MfliChunkFront::LINES];
+    PathNumber number = 0;
+    memcpy(&number, stored, sizeof number);
+    const char *leaf = stored + sizeof number;
+    const size_t leaf_size = strlen(leaf) + 1;
+    const Path &path = names.paths[number];
+    if (!make_room_for_whole(path.length + leaf_size)) {
+        return "";
+    }
+    memcpy(names.whole, path.text, path.length);
+    memcpy(names.whole + path.length, leaf, leaf_size);
+    return names.whole;
+}
+
 static void release_all() {
     while (elements.blocks != nullptr) {
         void *block = elements.blocks;
@@ -106,19 +198,19 @@ static void release_all() {
         names.blocks = block->next;
         free(block);
     }
+    free(names.paths);
+    free(names.whole);
     elements = ElementSpace{};
     names = NameSpace{};
 }
 
 void *mfli_store_element(size_t size, const char *name) {
-    const size_t text_size = strlen(name) + 1;
-    char *copy = take_text(text_size);
-    char *element = copy == nullptr ? nullptr : take_lines((size + MFLI_LINE - 1) / MFLI_LINE);
+    char *stored = store_name(name);
+    char *element = stored == nullptr ? nullptr : take_lines((size + MFLI_LINE - 1) / MFLI_LINE);
     if (element == nullptr) {
         return nullptr;
     }
-    memcpy(copy, name, text_size);
-    mfli_chunk_of(element)->names[mfli_line_of(element) - MfliChunkFront::LINES] = copy;
+    mfli_chunk_of(element)->names[mfli_line_of(element) - MfliChunkFront::LINES] = stored;
     *mfli_dirty_mark(element) = 0;
     ++live_elements;
     return memset(element, 0, size);

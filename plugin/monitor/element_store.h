@@ -21,7 +21,7 @@ struct MfliChunkFront {
     static constexpr size_t LINES = 513;  // that this record takes, by the number of names below
 
     uint8_t dirty[MFLI_CHUNK_LINES];
-    const char *names[MFLI_CHUNK_LINES - LINES];
+    char *names[MFLI_CHUNK_LINES - LINES];  // StoredName each; see element_store.cpp
     void *next_block;  // the block of memory that was taken before; in a block's first chunk only
 };
 static_assert(sizeof(MfliChunkFront) <= MfliChunkFront::LINES * MFLI_LINE);
@@ -48,9 +48,8 @@ inline uint8_t *mfli_dirty_mark(const void *element) {
     return &mfli_chunk_of(element)->dirty[mfli_line_of(element)];
 }
 
-// The name that the element was stored with; lives as long as the element.
-inline const char *mfli_stored_name(const void *element) {
-    return mfli_chunk_of(element)->names[mfli_line_of(element) - MfliChunkFront::LINES];
-}
+// The name that the element was stored with, put together again: the text stays until the next
+// call. Empty when there is no memory for it.
+const char *mfli_stored_name(const void *element);
 
 #endif

@@ -71,7 +71,8 @@ inline const BitActivity *mfli_bit(const MonitorElement *element, int32_t i) {
     return static_cast<const BitActivity *>(element->bits) + i;
 }
 
-// The full name under which the signal was first registered; the element's.
+// The full name under which the signal was first registered. The text stays until the next call for
+// any element.
 inline const char *mfli_element_name(const MonitorElement *element) {
     return mfli_stored_name(element);
 }

@@ -181,9 +181,9 @@ static int enter_under_gate_name(MonitorElement *element, const char *name, cons
     return insert_subelements_into_saif_tree(element, name, tree);
 }
 
-static int enter_under_all_names(MonitorElement *element, const char *instance, SaifTree *tree,
-                                 EnterElement enter) {
-    int complete = enter(element, mfli_element_name(element), instance, tree);
+static int enter_under_all_names(MonitorElement *element, const char *name, const char *instance,
+                                 SaifTree *tree, EnterElement enter) {
+    int complete = enter(element, name, instance, tree);
     for (list_walk walk(mfli_element_aliases(element)); walk; walk.step()) {
         complete &= enter(element, static_cast<const char *>(walk.item()), instance, tree);
     }
@@ -199,11 +199,10 @@ static int enter_all_elements(const char *instance, SaifTree *tree, EnterElement
     st_generator *elements = st_init_gen(mfli_monitor_table);
     while (st_gen_kptr_vptr(elements, nullptr, &value)) {
         auto *element = static_cast<MonitorElement *>(value);
-        if (element == nullptr ||
-            !mfli_first_in_second_region(mfli_element_name(element), instance)) {
-            continue;
+        const char *name = element == nullptr ? nullptr : mfli_element_name(element);
+        if (name != nullptr && mfli_first_in_second_region(name, instance)) {
+            complete &= enter_under_all_names(element, name, instance, tree, enter);
         }
-        complete &= enter_under_all_names(element, instance, tree, enter);
     }
     st_free_gen(elements);
     return complete;

@@ -27,6 +27,32 @@ TEST_F(Recorder, MakesElementsThatBeginWithNothingCounted) {
                                         "2:/top/n 0 0 0 0 0 2"));
 }
 
+// Names are kept in parts; signals of different regions, in turn, with names that begin alike.
+TEST_F(Recorder, PutsEveryNameTogetherAgain) {
+    sim.signal("/top/s", sim.types.std_logic());
+    const mtiSignalIdT signal = sim.handle("/top/s");
+    const Lines names = {"/top/a",
+                         "/top/u1/a",
+                         "/top/u1/b",
+                         "/top/a",
+                         "/top/u10/b(3)",
+                         "/top",
+                         "top",
+                         "/top/u1/b/",
+                         "",
+                         "/a",
+                         "/top/" + std::string(70000, 'r') + "/leaf",
+                         "/top/u1/" + std::string(70000, 'l')};
+    std::vector<MonitorElement *> elements;
+    for (const std::string &name : names) {
+        elements.push_back(mfli_init_monitor_element(signal, name.c_str()));
+        st_insert_kptr_vptr(mfli_monitor_table, elements.back(), elements.back());
+    }
+    for (size_t i = names.size(); i-- > 0;) {
+        EXPECT_EQ(mfli_element_name(elements[i]), names[i]);
+    }
+}
+
 // Thousands of elements and long names, over many chunks of the store.
 TEST_F(Recorder, KeepsEveryElementOnItsOwnCacheLines) {
     const wf::Type *logic = sim.types.std_logic();
