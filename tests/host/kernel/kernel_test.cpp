@@ -180,7 +180,7 @@ TEST_F(KernelTest, GoesThroughGroupsInTheOrderOfTheirFirstChange) {
     for (int i = 0; i < 4; ++i) {
         watching(letters_of[i], design.elements(bus) + places[i]);
     }
-    for (const uint32_t place : {180, 60, 70, 3, 180}) {
+    for (const uint32_t place : {180U, 60U, 70U, 3U, 180U}) {
         kernel.set_byte(bus->slot + place, 1);
     }
     EXPECT_EQ(ran(), "dabc");
