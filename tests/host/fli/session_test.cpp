@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "tests/support/memory_design.h"
+#include "tests/support/scratch.h"
 
 namespace wf::test {
 namespace {
@@ -56,7 +57,7 @@ TEST_F(SessionTest, SaysWhyAPluginCannotBeLoaded) {
                 MatchesRegex("cannot load the plug-in \"/nowhere/none.so\": .*No such file.*"));
     EXPECT_EQ(sim.load("bad_init", good),
               "the plug-in \"" + good + "\" has no function \"bad_init\"");
-    const std::string broken = testing::TempDir() + "broken_plugin.so";
+    const std::string broken = test::scratch_file("broken_plugin.so");
     std::ofstream(broken) << "not a library";
     EXPECT_THAT(sim.load("init", broken), HasSubstr("broken_plugin.so\": "));
     EXPECT_THAT(sim.lines(), IsEmpty());

@@ -5,11 +5,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
+#include <filesystem>
 #include <thread>
 
 #include "tests/host/source/vcd_reading.h"
+#include "tests/support/scratch.h"
 
 namespace wf::test {
 namespace {
@@ -58,15 +59,14 @@ TEST(Input, FilesKnowTheirLength) {
 
     EXPECT_EQ(open_file_input(path + ".none", &error), nullptr);
     EXPECT_EQ(error, path + ".none: expected a readable file, got: No such file or directory");
-    const auto folder = open_file_input(testing::TempDir(), &error);
+    const auto folder = open_file_input(std::filesystem::temp_directory_path().string(), &error);
     EXPECT_EQ(read_all(*folder, 10), "");
     EXPECT_EQ(folder->failure(), "Is a directory");
 }
 
 TEST(Input, PipesComeInWhateverPiecesTheyLike) {
     const std::string text = gzipped(numbers(100000)) + gzipped("and more\n");
-    const std::string path = testing::TempDir() + "input.pipe";
-    unlink(path.c_str());
+    const std::string path = test::scratch_file("input.pipe");
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     std::thread writer([&] { temporary_file("input.pipe", text); });
     std::string error;

@@ -12,6 +12,7 @@
 
 #include "host/source/vcd/declare.h"
 #include "host/source/vcd/events.h"
+#include "tests/support/scratch.h"
 
 namespace wf::test {
 namespace {
@@ -145,7 +146,7 @@ std::string bzipped(const std::string &text) {
 }
 
 std::string temporary_file(const std::string &name, const std::string &content) {
-    std::string path = testing::TempDir() + name;
+    std::string path = scratch_file(name);
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file << content;
     if (!file.flush()) {

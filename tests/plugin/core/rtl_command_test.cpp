@@ -7,6 +7,7 @@
 #include "tests/plugin/recorder.h"
 #include "tests/plugin/report_text.h"
 #include "tests/plugin/rtlsaif/reading.h"
+#include "tests/support/scratch.h"
 
 using rtlsaif_test::header;
 using ::testing::ElementsAre;
@@ -39,15 +40,12 @@ class ReadRtlSaif : public ::testing::Test {
     ~ReadRtlSaif() override {
         sim.quit();
         mfli_window_active = 0;
-        for (const std::string &name : written) {
-            remove(name.c_str());
-        }
     }
 
     std::string file(const std::string &body) {
-        written.push_back(testing::TempDir() + "forward" + std::to_string(written.size()));
-        std::ofstream(written.back()) << header() << body << ")\n";
-        return written.back();
+        std::string name = wf::test::scratch_file("forward" + std::to_string(files_written++));
+        std::ofstream(name) << header() << body << ")\n";
+        return name;
     }
     Lines read(const std::string &arguments) { return sim.output_of("read_rtl_saif " + arguments); }
     static std::string done(const std::string &name) {
@@ -70,7 +68,7 @@ class ReadRtlSaif : public ::testing::Test {
     }
 
     wf::test::MemorySimulator sim;
-    Lines written;
+    int files_written = 0;
 };
 
 TEST_F(ReadRtlSaif, ChecksItsArgumentsInOrder) {
@@ -148,9 +146,9 @@ TEST_F(ReadRtlSaif, LeadsToTheReportOfAnIntegersBits) {
     sim.drive(10, "/tb/dut/count", 5);
     sim.run_to(30);
     sim.command("toggle_stop");
-    written.push_back(testing::TempDir() + "report");
-    sim.command("toggle_report " + written.back() + " 1.0e-9 /tb/dut");
-    const std::string report = records_in_lines(text_of(written.back()));
+    const std::string written = wf::test::scratch_file("report");
+    sim.command("toggle_report " + written + " 1.0e-9 /tb/dut");
+    const std::string report = records_in_lines(text_of(written));
     for (const char *text :
          {"\n         (c\\[0\\] 0 30 0 0 0)\n", "\n         (count\\[1\\] 30 0 0 0 0)\n",
           "\n         (count\\[3\\] 30 0 0 0 0)\n",

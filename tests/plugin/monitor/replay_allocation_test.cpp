@@ -8,6 +8,7 @@
 #include "host/source/source.h"
 #include "plugin/core/entry.h"
 #include "tests/support/memory_design.h"
+#include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
 
@@ -87,7 +88,7 @@ std::string waveform() {
 }
 
 std::string write_waveform() {
-    std::string path = testing::TempDir() + "replay_allocation.vcd";
+    std::string path = wf::test::scratch_file("waveform.vcd");
     std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(path.c_str(), "w"),
                                                           std::fclose);
     std::fputs(waveform().c_str(), file.get());
@@ -115,7 +116,6 @@ TEST(ReplayAllocation, NothingIsAllocatedInTheSecondHalf) {
     ASSERT_EQ(source->advance_to(kernel, STEPS * 20, nullptr), wf::Progress::end_of_data);
     EXPECT_EQ(allocations, before);
     EXPECT_EQ(kernel.now(), (STEPS - 1) * 10);
-    std::remove(path.c_str());
 }
 
 }  // namespace

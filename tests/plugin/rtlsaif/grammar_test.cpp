@@ -9,6 +9,7 @@
 
 #include "plugin/rtlsaif/scanner.h"
 #include "tests/plugin/rtlsaif/reading.h"
+#include "tests/support/scratch.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -189,7 +190,7 @@ TEST(Grammar, SurvivesRandomBytes) {
 
 TEST(Parser, ReadsFilesAndSaysWhenItCanNot) {
     st_table *objects = st_alloc_abo(st_strcmp, st_strhash);
-    const std::string path = testing::TempDir() + "sample.fsaif";
+    const std::string path = wf::test::scratch_file("sample.fsaif");
     FILE *file = fopen(path.c_str(), "w");
     fputs(SAMPLE.c_str(), file);
     fclose(file);
@@ -215,7 +216,6 @@ TEST(Parser, ReadsFilesAndSaysWhenItCanNot) {
     saifrtl_parse_reset();
     EXPECT_EQ(saifrtl_get_syntax_error_msg(), nullptr);
     mfli_free_rtl_hash(objects);
-    remove(path.c_str());
 }
 
 TEST(Parser, StripsAPrefixPath) {
