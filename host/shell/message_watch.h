@@ -21,7 +21,8 @@ struct MessageWatch {
             selected = true;
         } else if (message.starts_with("Information (KLVA-PWR): Turned on counting window")) {
             window_open = true;
-        } else if (message.starts_with("Information (KLVA-PWR): Turned off counting window")) {
+        } else if (message.starts_with("Information (KLVA-PWR): Turned off counting window") ||
+                   message.starts_with("Information (KLVA-PWR): Resetting counting windows")) {
             window_open = false;
         } else if (message.starts_with("Information (KLVA-PWR): Report done, wrote file")) {
             ++reports;

@@ -159,6 +159,7 @@ static char *store_name(const char *name) {
     return stored;
 }
 
+// False when memory has run out.
 static bool make_room_for_whole(size_t size) {
     if (size > names.whole_size) {
         auto *grown = static_cast<char *>(realloc(names.whole, size));
@@ -179,9 +180,6 @@ const char *mfli_stored_name(const void *element) {
     const char *leaf = stored + sizeof number;
     const size_t leaf_size = strlen(leaf) + 1;
     const Path &path = names.paths[number];
-    if (!make_room_for_whole(path.length + leaf_size)) {
-        return "";
-    }
     memcpy(names.whole, path.text, path.length);
     memcpy(names.whole + path.length, leaf, leaf_size);
     return names.whole;
@@ -205,7 +203,8 @@ static void release_all() {
 }
 
 void *mfli_store_element(size_t size, const char *name) {
-    char *stored = store_name(name);
+    // Here, so that reading a name can not fail: a report would lack a bit and not know it.
+    char *stored = make_room_for_whole(strlen(name) + 1) ? store_name(name) : nullptr;
     char *element = stored == nullptr ? nullptr : take_lines((size + MFLI_LINE - 1) / MFLI_LINE);
     if (element == nullptr) {
         return nullptr;

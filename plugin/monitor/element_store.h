@@ -49,7 +49,7 @@ inline uint8_t *mfli_dirty_mark(const void *element) {
 }
 
 // The name that the element was stored with, put together again: the text stays until the next
-// call. Empty when there is no memory for it.
+// call.
 const char *mfli_stored_name(const void *element);
 
 #endif

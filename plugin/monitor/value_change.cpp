@@ -218,6 +218,7 @@ void mfli_free_speed_lists() {
     changed_list = nullptr;
     trash_list = nullptr;
     next_spare = nullptr;
+    mfli_do_counting_process = 0;
 }
 
 [[gnu::noinline]] static void add_new_item(MonitorElement *element) {

@@ -62,6 +62,9 @@ ANSWERED = [
     (["-do", "gone.tcl"], 1, "Error: do: cannot read gone.tcl: No such file or directory\n"),
     (["-do", "toggle_interrupt; puts on"], 130, "Error: -do:1: interrupted\n"),
     (["-do", "set_toggle_region /tb; toggle_start"], 0, SELECTED + OPENED % 0 + STILL_OPEN),
+    (["-do", "set_toggle_region /tb; toggle_start; run 10; toggle_stop; "
+             "toggle_report o.saif 1.0e-9 /tb; toggle_start; toggle_reset"], 0,
+     recorded(0, 10) + OPENED % 10 + INFO + "Resetting counting windows at time 10.000000\n"),
     (["-saif", "o.saif"], 0, recorded(0, 40)),
     (["-saif", "o.saif", "-start", "5", "-stop", "0.02us", "-instance", "dut", "-region",
       "/tb/dut/q(1)", "-region", "clk"], 0, recorded(5, 20)),
