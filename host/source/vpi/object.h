@@ -10,7 +10,7 @@
 
 namespace wf::vpi {
 
-// How a value is asked for. Vectors as texts: Icarus Verilog makes one in fewer steps than the
+// The format of a value. Vectors as texts: Icarus Verilog makes one in fewer steps than the
 // words of a vpiVectorVal.
 enum class Form : uint8_t {
     scalar,  // vpiScalarVal
@@ -18,14 +18,20 @@ enum class Form : uint8_t {
     real,    // vpiRealVal
 };
 
+// Up to so many bits, a value that comes with the change is cheaper than one that is asked for at
+// the end of the step, though a glitch sends several.
+constexpr uint32_t narrow = 8;
+
 struct Object {
     vpiHandle handle;
     Slot slot;        // of its leftmost bit
     uint32_t width;   // in bits; of a real, the slots that it takes
     uint32_t memory;  // number of the memory that it is a word of, else no_memory
     Form form;
-    bool watched = false;  // its changes are sent
-    bool marked = false;   // it has changed in the present step and has not been read since
+    bool watched = false;          // its changes are sent
+    bool arrives = false;          // and each change with its value
+    bool marked = false;           // it has changed in the present step and has not been read since
+    uint8_t arrived[narrow] = {};  // the value that came last, where they arrive
 };
 
 constexpr uint32_t no_memory = UINT32_MAX;
@@ -51,6 +57,7 @@ struct Traits {
     bool offers_directions;  // of ports
     bool offers_memories;    // as such, with their words
     bool offers_system_tasks;  // further ones, registered by modules
+    bool sends_values;         // with changes, in the formats for scalars and texts
     bool offers_net_ids;       // the property by which Icarus tells nets that are one
     bool finishes_anywhere;    // else only in a cbAfterDelay callback
 };

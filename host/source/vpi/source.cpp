@@ -21,6 +21,13 @@ PLI_INT32 value_changed(s_cb_data *data) {
     return 0;
 }
 
+PLI_INT32 value_arrived(s_cb_data *data) {
+    if (current != nullptr) {
+        current->receive(*reinterpret_cast<Object *>(data->user_data), *data->value);
+    }
+    return 0;
+}
+
 PLI_INT32 word_changed(s_cb_data *data) {
     if (current != nullptr) {
         current->mark_word(*reinterpret_cast<const Memory *>(data->user_data), data->index);
@@ -40,10 +47,28 @@ constexpr const char *ghdl_shortcomings =
     "record, "
     "enumeration, real, time or nested array types; they are not recorded";
 
-// Has the simulator call `function(data)` at every change of the object. False when it refuses.
-bool send_changes(vpiHandle handle, Callback function, void *data) {
+PLI_INT32 format_of(Form form) {
+    switch (form) {
+        case Form::scalar:
+            return vpiScalarVal;
+        case Form::text:
+            return vpiBinStrVal;
+        case Form::real:
+            return vpiRealVal;
+    }
+    return vpiSuppressVal;
+}
+
+const char *text_in(const s_vpi_value &value) {
+    return value.value.str == nullptr ? "" : value.value.str;
+}
+
+// Has the simulator call `function(data)` at every change of the object, with the value in that
+// format. False when it refuses.
+bool send_changes(vpiHandle handle, Callback function, void *data,
+                  PLI_INT32 format = vpiSuppressVal) {
     s_vpi_time time{.type = vpiSuppressTime, .high = 0, .low = 0, .real = 0};
-    s_vpi_value value{.format = vpiSuppressVal, .value = {.integer = 0}};
+    s_vpi_value value{.format = format, .value = {.integer = 0}};
     s_cb_data request{};
     request.reason = cbValueChange;
     request.cb_rtn = function;
@@ -62,6 +87,7 @@ Traits traits_of_simulator() {
             .offers_directions = !is_ghdl,
             .offers_memories = !is_ghdl,
             .offers_system_tasks = !is_ghdl,
+            .sends_values = name.starts_with("Icarus"),
             .offers_net_ids = name.starts_with("Icarus"),
             .finishes_anywhere = !is_ghdl};
 }
@@ -119,7 +145,11 @@ void Simulator::settle(bool ends) {
     }
     for (Object *object : marked_) {
         object->marked = false;
-        read(*object);
+        if (object->arrives) {
+            kernel_->set_bytes(object->slot, object->arrived, object->width);
+        } else {
+            read(*object);
+        }
     }
     marked_.clear();
     if (ends) {
@@ -136,6 +166,15 @@ void Simulator::mark(Object &object) {
     if (marked_.size() == 1) {
         call_back_when_settled(step_ends);
     }
+}
+
+void Simulator::receive(Object &object, const s_vpi_value &value) {
+    if (object.form == Form::scalar) {
+        object.arrived[0] = decode_scalar(value.value.scalar);
+    } else {
+        decode_text(text_in(value), object.width, object.arrived);
+    }
+    mark(object);
 }
 
 void Simulator::mark_word(const Memory &memory, int32_t index) {
@@ -177,7 +216,10 @@ void Simulator::watched(Slot slot) {
 
 void Simulator::watch(Object &object) {
     read(object);
-    object.watched = send_changes(object.handle, value_changed, &object);
+    object.arrives = traits_.sends_values && object.form != Form::real && object.width <= narrow;
+    object.watched =
+        object.arrives ? send_changes(object.handle, value_arrived, &object, format_of(object.form))
+                       : send_changes(object.handle, value_changed, &object);
 }
 
 void Simulator::watch_memory(Memory &memory) {
@@ -191,26 +233,20 @@ void Simulator::watch_memory(Memory &memory) {
 }
 
 void Simulator::read(Object &object) {
-    s_vpi_value value{.format = 0, .value = {.integer = 0}};
+    s_vpi_value value{.format = format_of(object.form), .value = {.integer = 0}};
+    vpi_get_value(object.handle, &value);
     switch (object.form) {
         case Form::scalar:
-            value.format = vpiScalarVal;
-            vpi_get_value(object.handle, &value);
             kernel_->set_byte(object.slot, decode_scalar(value.value.scalar));
             return;
         case Form::text:
-            value.format = vpiBinStrVal;
-            vpi_get_value(object.handle, &value);
-            decode_text(value.value.str == nullptr ? "" : value.value.str, object.width,
-                        bits_.data());
-            break;
+            decode_text(text_in(value), object.width, bits_.data());
+            kernel_->set_bytes(object.slot, bits_.data(), object.width);
+            return;
         case Form::real:
-            value.format = vpiRealVal;
-            vpi_get_value(object.handle, &value);
             kernel_->set_real(object.slot, value.value.real);
             return;
     }
-    kernel_->set_bytes(object.slot, bits_.data(), object.width);
 }
 
 }  // namespace wf::vpi

@@ -2,9 +2,10 @@
 // A running simulator as the place a design and its events come from. It is no Source: time is the
 // simulator's, and its events come when they happen.
 //
-// A watched object has one value-change callback, which only marks it. The read-only
-// synchronisation at the end of the time step reads each marked object once, sets the kernel's
-// slots and finishes the step. An object that nobody watches is read when somebody asks.
+// A watched object has one value-change callback, which only marks it, and keeps the value of a
+// narrow one where it comes with the change. The read-only synchronisation at the end of the time
+// step reads each other marked object once, sets the kernel's slots and finishes the step. An
+// object that nobody watches is read when somebody asks.
 #pragma once
 
 #include <memory>
@@ -48,6 +49,8 @@ class Simulator final : public ValueSupply {
 
     // --- for the simulator's callbacks ---
     void mark(Object &object);
+    // Marks an object with a value in the format of its form.
+    void receive(Object &object, const s_vpi_value &value);
     void mark_word(const Memory &memory, int32_t index);
 
   private:
