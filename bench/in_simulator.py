@@ -23,7 +23,7 @@ from replay import count_bits, print_table, processor
 
 DESIGNS = pathlib.Path(__file__).resolve().parent / "designs"
 # Clock cycles that take some seconds, for the buses when they are dumped or recorded.
-CYCLES = {"cpu": 3500, "netlist": 45, "buses": 6000}
+CYCLES = {"cpu": 3500, "netlist": 45, "gates": 1500, "buses": 6000}
 SCRIPT = """set_toggle_region /tb
 toggle_start
 run -all
