@@ -98,7 +98,8 @@ class Waveform:
         self.width[code] = width
         if any(scope in UNWATCHED_SCOPES for scope, _ in scopes):
             return
-        name = name.removeprefix("\\")
+        # A VHDL extended identifier keeps its two backslashes.
+        name = name if re.fullmatch(r"\\.+\\", name) else name.removeprefix("\\")
         base = "".join(f"/{scope}" for _, scope in scopes) + "/" + name
         for place, index in enumerate(indices(width, "".join(select))):
             path = base if index is None else f"{base}({index})"

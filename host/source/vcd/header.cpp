@@ -109,6 +109,23 @@ bool read_timescale(std::string_view text, int &exponent) {
     return true;
 }
 
+// An escaped identifier of Verilog; a blank ends it.
+bool is_escaped(std::string_view text) {
+    return text.size() > 1 && text[0] == '\\' && text[1] != ' ';
+}
+
+// The length of a VHDL extended identifier at the start of the text, which has a backslash at both
+// ends and may have blanks in between; 0 when there is none. A range may follow it at once. (An
+// escaped identifier of Verilog that ends in a backslash looks the same, and is taken for one.)
+std::size_t extended_length(std::string_view text) {
+    const std::size_t last = text.rfind('\\');
+    if (!text.starts_with('\\') || last < 2) {
+        return 0;
+    }
+    const std::string_view rest = text.substr(last + 1);
+    return rest.empty() || rest[0] == ' ' || rest[0] == '[' ? last + 1 : 0;
+}
+
 class HeaderReader {
   public:
     HeaderReader(Tokens &tokens, HeaderSink &sink, std::string *error)
@@ -124,7 +141,8 @@ class HeaderReader {
     bool read_variable();
     bool read_kind(Variable &variable);
     bool read_width(Variable &variable);
-    bool read_name(Variable &variable, bool *escaped);
+    bool read_words(std::string_view section, std::string_view expected);
+    bool read_name(Variable &variable);
     bool read_suffix(Variable &variable, std::size_t floor);
     bool read_end(std::string_view section);
     bool skip_section(std::string_view section);
@@ -205,14 +223,18 @@ bool HeaderReader::read_scope() {
     const auto *known = std::find_if(std::begin(scope_names), std::end(scope_names),
                                      [&](const ScopeName &name) { return name.text == text; });
     const RegionKind kind = known == std::end(scope_names) ? RegionKind::module : known->kind;
-    std::string_view name = tokens_.next();
-    if (name.empty() || name == "$end") {
-        return fault("the name of a scope");
+    if (!read_words("$scope", "the name of a scope")) {
+        return false;
     }
-    name.remove_prefix(name[0] == '\\' && name.size() > 1 ? 1 : 0);
+    std::string_view name = name_;
+    const std::size_t own = extended_length(name);
+    if (const std::size_t blank = name.find(' ', own); blank != std::string_view::npos) {
+        return fault("$end of $scope", name.substr(blank + 1));
+    }
+    name.remove_prefix(own == 0 && is_escaped(name) ? 1 : 0);
     sink_.open_scope(kind, name);
     ++depth_;
-    return read_end("$scope");
+    return true;
 }
 
 bool HeaderReader::read_upscope() {
@@ -271,26 +293,38 @@ bool HeaderReader::read_width(Variable &variable) {
     return true;
 }
 
-// The name and whatever follows it up to $end, without the blanks between.
-bool HeaderReader::read_name(Variable &variable, bool *escaped) {
+// The words up to $end, a blank between each two, into name_.
+bool HeaderReader::read_words(std::string_view section, std::string_view expected) {
     std::string_view token = tokens_.next();
     if (token.empty() || token == "$end") {
-        return fault("the name of a variable");
+        return fault(expected);
     }
-    *escaped = token[0] == '\\' && token.size() > 1;
-    name_.assign(token.substr(*escaped ? 1 : 0));
-    const std::size_t first_length = name_.size();
+    name_.assign(token);
     for (token = tokens_.next(); !token.empty() && token[0] != '$'; token = tokens_.next()) {
+        name_ += ' ';
         name_ += token;
     }
-    if (token != "$end") {
-        return fault("$end of $var");
-    }
-    return read_suffix(variable, *escaped ? first_length : 0);
+    return token == "$end" || fault("$end of " + std::string(section));
 }
 
-// Takes range and index off the name. In an escaped name, brackets before `floor` belong to the
-// name; but a vector whose escaped name ends in an index is how memories' words are dumped.
+// The name and whatever follows it, without the blanks between.
+bool HeaderReader::read_name(Variable &variable) {
+    if (!read_words("$var", "the name of a variable")) {
+        return false;
+    }
+    std::size_t own = extended_length(name_);
+    if (own == 0 && is_escaped(name_)) {
+        name_.erase(0, 1);
+        own = std::min(name_.find(' '), name_.size());
+    }
+    name_.erase(std::remove(name_.begin() + static_cast<std::ptrdiff_t>(own), name_.end(), ' '),
+                name_.end());
+    return read_suffix(variable, own);
+}
+
+// Takes range and index off the name. In an escaped or extended name, brackets before `floor`
+// belong to the name; but a vector whose escaped name ends in an index is how memories' words are
+// dumped.
 bool HeaderReader::read_suffix(Variable &variable, std::size_t floor) {
     std::string_view name = name_;
     const std::string_view group = last_group(name, floor);
@@ -327,8 +361,7 @@ bool HeaderReader::read_variable() {
         return fault("an identifier code");
     }
     variable.code = code_;
-    bool escaped = false;
-    if (!read_name(variable, &escaped)) {
+    if (!read_name(variable)) {
         return false;
     }
     sink_.variable(variable);

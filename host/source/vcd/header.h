@@ -30,7 +30,8 @@ struct Variable {
     uint32_t width = 0;     // bits, 1 to max_width; of a real or an ignored one what stood there
     int32_t word = 0;       // the index that ends the name of a memory's word
     std::string_view code;  // the identifier code
-    std::string_view name;  // with a word's index, without the backslash of an escaped name
+    std::string_view name;  // with a word's index; without an escaped name's backslash, with an
+                            // extended one's two
     std::string_view base;  // shorter than the name when that may be a memory's word
 };
 

@@ -62,6 +62,13 @@ const DesignRow design_rows[] = {
      in_top("$var wire 1 ! \\s[0] $end $var wire 1 \" \\s[1] $end $var wire 1 # \\a.b/c $end\n"
             "$var wire 1 $ $auto$1 $end\n"),
      {"/top module", "  s[0] @0", "  s[1] @1", "  a.b/c @2", "  $auto$1 @3"}},
+    {"extended names keep both backslashes, their brackets and their blanks",
+     "$scope module \\u.1 (x)\\ $end $var reg 1 ! \\clk/2\\ $end $var reg 1 \" \\in port\\ $end\n"
+     "$var reg 4 # \\out[1]\\[3:0] $end $var reg 2 $ \\a  b\\ [0:1] $end $var reg 1 % \\s\\[2] "
+     "$end\n"
+     "$var reg 1 & \\x\\y $end $var reg 2 ' \\x\\z [1:0] $end $upscope $end $enddefinitions $end\n",
+     {"/\\u.1 (x)\\ module", "  \\clk/2\\ @0", "  \\in port\\ @1", "  \\out[1]\\(3:0) @2",
+      "  \\a b\\(0:1) @6", "  \\s\\(2:2) @8", "  x\\y @9", "  x\\z(1:0) @10"}},
     {"one code for many names: one storage, a signal each; one set of bits in two orders",
      in_top("$var wire 1 ! a $end $var wire 2 \" v [1:0] $end $var wire 1 # p[1] $end\n"
             "$var wire 1 $ p[0] $end $scope module u $end $var wire 1 ! x $end\n"
