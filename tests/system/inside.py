@@ -12,6 +12,9 @@ from programs import BUILD, HERE, WFSIM, FolderCase, must, run
 
 DESIGNS = HERE / "designs"
 MODULES = BUILD / "lib"
+# What a simulator is started with when the module is sanitized. What leaks are the simulators.
+PRELOAD = os.environ.get("WATTFORGE_PRELOAD")
+SANITIZED = ["env", f"LD_PRELOAD={PRELOAD}", "ASAN_OPTIONS=detect_leaks=0"] if PRELOAD else []
 STILL_OPEN = "Warning: the counting window is still open at the end; it is in no report"
 
 
@@ -25,7 +28,7 @@ class Icarus:
 
     def command(self, *plusargs, dump=False, modules=MODULES):
         dump = ["+vcd"] if dump else []
-        return ["vvp", "-n", "-M", modules, "-m", "wattforge", self.design, *plusargs, *dump]
+        return [*SANITIZED, "vvp", "-n", "-M", modules, "-m", "wattforge", self.design, *plusargs, *dump]
 
 
 class Ghdl:
@@ -39,7 +42,7 @@ class Ghdl:
 
     def command(self, *options, dump=False, modules=MODULES):
         dump = [f"--vcd={self.waveform}"] if dump else []
-        return ["ghdl", "-r", "--std=08", f"--workdir={self.library}", "tb",
+        return [*SANITIZED, "ghdl", "-r", "--std=08", f"--workdir={self.library}", "tb",
                 f"--vpi={modules}/wattforge.vpi", *dump, *options]
 
 
