@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Measures everything that docs/performance.md has figures of: run.sh [full]
 # Without "full" it takes small waveforms and designs, which is some minutes; with it also waveforms
-# of 300 MB and 1 GB (4 GB of disk) and designs of ten million bits (16 GB of memory), which is hours.
+# of 300 MB and 1 GB (4 GB of disk) and designs of ten million bits (16 GB of memory), half an hour.
 # WATTFORGE_BUILD is the build folder; WATTFORGE_BENCH_DATA is where the waveforms lie (build/bench).
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
