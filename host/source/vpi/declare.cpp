@@ -204,6 +204,11 @@ Form Declarations::form_of(PLI_INT32 kind, uint32_t width) const {
     return width == 1 && traits_.offers_scalars ? Form::scalar : Form::text;
 }
 
+bool Declarations::is_bit(vpiHandle handle, uint32_t width, int32_t left) const {
+    const bool looks_like_one = width == 1 && left == 0;
+    return looks_like_one && !(traits_.tells_vectors && vpi_get(vpiVector, handle) != 0);
+}
+
 const Type *Declarations::type_of(vpiHandle handle, PLI_INT32 kind, uint32_t width) {
     if (kind == vpiRealVar) {
         real_ = real_ == nullptr ? design_.types.real() : real_;
@@ -214,7 +219,7 @@ const Type *Declarations::type_of(vpiHandle handle, PLI_INT32 kind, uint32_t wid
     int32_t right = 0;
     const bool has_range = range_of(handle, &left, &right);
     if (has_range && std::abs(int64_t{left} - right) + 1 == width) {
-        return width == 1 && left == 0 ? bit : design_.types.array(bit, left, right);
+        return is_bit(handle, width, left) ? bit : design_.types.array(bit, left, right);
     }
     // GHDL shows an enumeration as eight bits and an integer as 32, both with the range [0:0].
     constexpr uint32_t enumeration_width = 8;

@@ -4,8 +4,8 @@
 //
 // - An object of one bit is a std_logic, one of several bits an array of it with its own range,
 //   [width-1:0] when the simulator tells none. Two-state variables look the same.
-// - A vector of one bit whose index is 0 is taken for a bit, since the dump does not tell them
-// apart.
+// - A vector of one bit whose index is 0 is taken for a bit in Icarus Verilog, since its dump does
+//   not tell them apart.
 // - Nets of one bit that the simulator says are one share storage, and are asked for once.
 // - A port's direction is that of the module's port of the same name.
 // - A memory is an array of its words, each of which is read by itself; one that is too large is
@@ -54,6 +54,8 @@ class Declarations {
     Modes port_modes(vpiHandle scope) const;
     // Null for what the dump does not have.
     const Type *type_of(vpiHandle handle, PLI_INT32 kind, uint32_t width);
+    // An object of that width whose range begins at `left`.
+    bool is_bit(vpiHandle handle, uint32_t width, int32_t left) const;
     Slot storage_for(vpiHandle handle, const Type *type, uint32_t width, Form form);
     Form form_of(PLI_INT32 kind, uint32_t width) const;
 

@@ -49,6 +49,7 @@ constexpr PLI_INT32 vpiType = 1;
 constexpr PLI_INT32 vpiName = 2;
 constexpr PLI_INT32 vpiSize = 4;
 constexpr PLI_INT32 vpiTimePrecision = 12;
+constexpr PLI_INT32 vpiVector = 18;
 constexpr PLI_INT32 vpiDirection = 20;
 constexpr PLI_INT32 vpiInput = 1;
 constexpr PLI_INT32 vpiOutput = 2;

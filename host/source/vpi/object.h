@@ -55,6 +55,7 @@ struct Traits {
         *shortcomings;       // what the simulator does not show; null when there is nothing to say
     bool offers_scalars;     // the format vpiScalarVal; else texts
     bool offers_directions;  // of ports
+    bool tells_vectors;      // of one bit from bits, by vpiVector
     bool offers_memories;    // as such, with their words
     bool offers_system_tasks;  // further ones, registered by modules
     bool sends_values;         // with changes, in the formats for scalars and texts

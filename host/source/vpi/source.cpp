@@ -85,6 +85,7 @@ Traits traits_of_simulator() {
     return {.shortcomings = is_ghdl ? ghdl_shortcomings : nullptr,
             .offers_scalars = !is_ghdl,
             .offers_directions = !is_ghdl,
+            .tells_vectors = is_ghdl,
             .offers_memories = !is_ghdl,
             .offers_system_tasks = !is_ghdl,
             .sends_values = name.starts_with("Icarus"),

@@ -52,11 +52,13 @@ architecture rtl of lane is
     signal memory   : bytes(3 to 5) := (others => (others => '0'));
     signal cells    : grid := (others => (others => '0'));
     signal \odd.name[1]\ : std_logic := '0';
+    signal lone     : std_logic_vector(0 downto 0) := "0";
 begin
     -- A pulse of one delta cycle at every edge, which no recorder may count.
     delayed <= clk;
     pulse   <= clk xor delayed;
     settled <= pulse xor delayed;
+    lone(0) <= data(0);
     left    <= data when enable else (others => 'Z');
     line    <= (others => 'Z') when count mod 3 = 0 else data(0) & data(1) & '0' & 'X';
 
