@@ -141,7 +141,8 @@ class HeaderReader {
     bool read_variable();
     bool read_kind(Variable &variable);
     bool read_width(Variable &variable);
-    bool read_words(std::string_view section, std::string_view expected);
+    bool read_word(std::string_view expected);
+    bool read_rest(std::string_view section);
     bool read_name(Variable &variable);
     bool read_suffix(Variable &variable, std::size_t floor);
     bool read_end(std::string_view section);
@@ -223,7 +224,11 @@ bool HeaderReader::read_scope() {
     const auto *known = std::find_if(std::begin(scope_names), std::end(scope_names),
                                      [&](const ScopeName &name) { return name.text == text; });
     const RegionKind kind = known == std::end(scope_names) ? RegionKind::module : known->kind;
-    if (!read_words("$scope", "the name of a scope")) {
+    if (!read_word("the name of a scope")) {
+        return false;
+    }
+    // Only an extended name has several words.
+    if (!(name_[0] == '\\' ? read_rest("$scope") : read_end("$scope"))) {
         return false;
     }
     std::string_view name = name_;
@@ -293,23 +298,30 @@ bool HeaderReader::read_width(Variable &variable) {
     return true;
 }
 
-// The words up to $end, a blank between each two, into name_.
-bool HeaderReader::read_words(std::string_view section, std::string_view expected) {
-    std::string_view token = tokens_.next();
+// The first word of a name, into name_.
+bool HeaderReader::read_word(std::string_view expected) {
+    const std::string_view token = tokens_.next();
     if (token.empty() || token == "$end") {
         return fault(expected);
     }
     name_.assign(token);
-    for (token = tokens_.next(); !token.empty() && token[0] != '$'; token = tokens_.next()) {
+    return true;
+}
+
+// The words up to $end, each behind a blank, onto name_. Without an end they are no name.
+bool HeaderReader::read_rest(std::string_view section) {
+    std::string_view token = tokens_.next();
+    while (!token.empty() && token[0] != '$' && name_.size() < Tokens::longest) {
         name_ += ' ';
         name_ += token;
+        token = tokens_.next();
     }
     return token == "$end" || fault("$end of " + std::string(section));
 }
 
 // The name and whatever follows it, without the blanks between.
 bool HeaderReader::read_name(Variable &variable) {
-    if (!read_words("$var", "the name of a variable")) {
+    if (!read_word("the name of a variable") || !read_rest("$var")) {
         return false;
     }
     std::size_t own = extended_length(name_);

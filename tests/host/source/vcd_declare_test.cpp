@@ -140,6 +140,8 @@ TEST(VcdDeclare, RefusesWhatMakesNoSenseInOneMessage) {
         {"$scope $end", 1, "the kind of a scope, got '$end'"},
         {"$scope module $end", 1, "the name of a scope, got '$end'"},
         {"$scope module a b $end", 1, "$end of $scope, got 'b'"},
+        {"$scope module \\a b $end", 1, "$end of $scope, got 'b'"},
+        {"$scope module a\n$var wire 1 ! \\b c\\\n#0\n", 2, "$end of $scope, got '$var'"},
         {"$upscope $end", 1, "an open $scope, got '$upscope'"},
         {"$var wire 1 ! a $end", 1, "$scope before the first $var, got '$var'"},
         {in_top("$var wirr 1 ! a $end"), 2, "the kind of a variable, got 'wirr'"},
