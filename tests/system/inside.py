@@ -12,9 +12,11 @@ from programs import BUILD, HERE, WFSIM, FolderCase, must, run
 
 DESIGNS = HERE / "designs"
 MODULES = BUILD / "lib"
-# What a simulator is started with when the module is sanitized. What leaks are the simulators.
+# What a simulator is started with when the module is sanitized. What leaks are the simulators. The
+# status is one that no test expects.
 PRELOAD = os.environ.get("WATTFORGE_PRELOAD")
-SANITIZED = ["env", f"LD_PRELOAD={PRELOAD}", "ASAN_OPTIONS=detect_leaks=0"] if PRELOAD else []
+SANITIZED = ["env", f"LD_PRELOAD={PRELOAD}", "ASAN_OPTIONS=detect_leaks=0:exitcode=99",
+             "UBSAN_OPTIONS=exitcode=99"] if PRELOAD else []
 STILL_OPEN = "Warning: the counting window is still open at the end; it is in no report"
 
 
@@ -28,7 +30,8 @@ class Icarus:
 
     def command(self, *plusargs, dump=False, modules=MODULES):
         dump = ["+vcd"] if dump else []
-        return [*SANITIZED, "vvp", "-n", "-M", modules, "-m", "wattforge", self.design, *plusargs, *dump]
+        return [*SANITIZED, "vvp", "-n", "-M", modules, "-m", "wattforge", self.design, *plusargs,
+                *dump]
 
 
 class Ghdl:
