@@ -205,8 +205,8 @@ Form Declarations::form_of(PLI_INT32 kind, uint32_t width) const {
 }
 
 bool Declarations::is_bit(vpiHandle handle, uint32_t width, int32_t left) const {
-    const bool looks_like_one = width == 1 && left == 0;
-    return looks_like_one && !(traits_.tells_vectors && vpi_get(vpiVector, handle) != 0);
+    const bool is_told_vector = traits_.tells_vectors && vpi_get(vpiVector, handle) != 0;
+    return width == 1 && left == 0 && !is_told_vector;
 }
 
 const Type *Declarations::type_of(vpiHandle handle, PLI_INT32 kind, uint32_t width) {

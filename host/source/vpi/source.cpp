@@ -44,8 +44,7 @@ PLI_INT32 step_ends(s_cb_data *) {
 
 constexpr const char *ghdl_shortcomings =
     "Note: GHDL shows its modules no directions of ports and no packages, and no signals of "
-    "record, "
-    "enumeration, real, time or nested array types; they are not recorded";
+    "record, enumeration, real, time or nested array types; they are not recorded";
 
 PLI_INT32 format_of(Form form) {
     switch (form) {
@@ -82,14 +81,15 @@ bool send_changes(vpiHandle handle, Callback function, void *data,
 Traits traits_of_simulator() {
     const std::string name = product();
     const bool is_ghdl = name == "GHDL";
+    const bool is_icarus = name.starts_with("Icarus");
     return {.shortcomings = is_ghdl ? ghdl_shortcomings : nullptr,
             .offers_scalars = !is_ghdl,
             .offers_directions = !is_ghdl,
             .tells_vectors = is_ghdl,
             .offers_memories = !is_ghdl,
             .offers_system_tasks = !is_ghdl,
-            .sends_values = name.starts_with("Icarus"),
-            .offers_net_ids = name.starts_with("Icarus"),
+            .sends_values = is_icarus,
+            .offers_net_ids = is_icarus,
             .finishes_anywhere = !is_ghdl};
 }
 
