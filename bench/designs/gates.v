@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The gate-level kind: lanes of nand, xor and multiplexer gates with delays between flip-flops, as
-// synthesis leaves them, flattened but for the flip-flops. A lane stands still three quarters of the
-// time, as gated blocks do. About 23,000 declared bits, nearly all single.
+// The gate-level kind: lanes of gates with delays between flip-flops, as synthesis leaves them. A lane
+// stands still three quarters of the time, as gated blocks do. About 23,000 declared bits, nearly all
+// single.
 `timescale 1ns / 1ps
 
 module dff (input clk, input d, output reg q);
@@ -38,8 +38,7 @@ module lane (input clk, input clear, input enable, output parity, output full);
         end
         for (i = 0; i < 16; i = i + 1) begin : feedback
             // Taps at 16, 14, 13 and 11; while cleared the register takes in the seed.
-            localparam HAS_TAP = i == 0;
-            if (HAS_TAP) begin : first
+            if (i == 0) begin : first
                 xor #0.04 x0 (noise[0].tap, noise[15].q, noise[13].q);
                 xor #0.04 x1 (noise[0].last, noise[12].q, noise[10].q);
                 xor #0.04 x2 (noise[0].d, noise[0].tap, noise[0].last);
