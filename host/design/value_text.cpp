@@ -85,7 +85,7 @@ std::optional<int64_t> parse_scalar(const Type &type, std::string_view text) {
     if (type.kind == TypeKind::enumeration) {
         int64_t position = type.literal_position(text);
         if (position < 0 && text.size() == 1) {
-            position = type.literal_position("'" + std::string(text) + "'");
+            position = type.literal_position(std::string{'\'', text.front(), '\''});
         }
         return position < 0 ? std::nullopt : std::optional(position);
     }

@@ -41,15 +41,11 @@ int answer_interrupt(ClientData, Tcl_Interp *interp, int code) {
     return interp == nullptr ? TCL_ERROR : fail_interrupted(interp, "interrupted");
 }
 
-// Scripts, names and output are UTF-8 whatever the locale says: what stands in a file comes out.
-Tcl_Interp *make_interpreter() {
-    Tcl_Interp *interp = Tcl_CreateInterp();
-    Tcl_SetSystemEncoding(nullptr, "utf-8");
-    return interp;
-}
-
+// Scripts, names and output are UTF-8 whatever the locale says: what stands in a file comes out. A
+// channel takes over the encoding of the moment when it is made, so this comes before them.
 Transcript &prepared(Transcript &transcript) {
     Tcl_FindExecutable(nullptr);
+    Tcl_SetSystemEncoding(nullptr, "utf-8");
     return transcript;
 }
 
@@ -91,7 +87,7 @@ Shell::Shell(const Simulation &simulation)
     : simulation_(simulation),
       run_notes_(simulation.control, simulation.transcript),
       channels_(prepared(simulation.transcript)),
-      interp_(make_interpreter()),
+      interp_(Tcl_CreateInterp()),
       interrupt_handler_(Tcl_AsyncCreate(answer_interrupt, nullptr)) {
     if (Tcl_Init(interp_) != TCL_OK) {
         simulation_.transcript.print(std::string("Warning: Tcl's library was not found: ") +
