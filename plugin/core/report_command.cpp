@@ -8,13 +8,11 @@
 #include "plugin/core/order.h"
 #include "plugin/monitor/sim_time.h"
 #include "plugin/saif/report.h"
+#include "plugin/saif/report_file.h"
 #include "plugin/saif/time_units.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cmath>
@@ -91,42 +89,27 @@ int check_toggle_report_args(const char *command_line, char **file_name, double 
     return 0;
 }
 
-// Removes what a failed report left behind, so that nobody takes it for a whole one. Only a regular
-// file that still is the one that was opened: the name may be a device, a pipe or a link.
-static int remove_partial_file(const char *file_name, const struct stat *opened) {
-    struct stat found;
-    if (lstat(file_name, &found) != 0) {
-        return 1;
-    }
-    if (!S_ISREG(opened->st_mode)) {
-        return 1;
-    }
-    if (found.st_dev != opened->st_dev || found.st_ino != opened->st_ino) {
-        return 0;
-    }
-    return unlink(file_name) == 0;
-}
-
-static void report_failure(const char *file_name, const struct stat *opened, int cause) {
-    const int gone = remove_partial_file(file_name, opened);
-    if (cause == 0) {
-        return;  // there is no such unit, and that was said
-    }
+static void report_failure(const char *file_name, ReportEnd end, int cause) {
     mfli_message("Error (KLVA-PWR): Could not write file %s: %s%s", file_name, strerror(cause),
-                 gone ? "" : "; what it holds is not complete");
+                 end == REPORT_INCOMPLETE ? "; what it holds is not complete" : "");
 }
 
-// Writes and closes. 1, or 0 with errno as saif_process gives it.
-static int write_and_close(FILE *stream, double unit_exponent, const char *instance) {
-    static char buffer[256 * 1024];
-    setvbuf(stream, buffer, _IOFBF, sizeof buffer);
-    const int written = saif_process(stream, unit_exponent, instance);
-    const int cause = errno;
-    const int closed = fclose(stream) == 0;
-    if (!written) {
-        errno = cause;
+// One attempt; whatever failed has been told, unless the answer is REPORT_NOT_MOVED.
+static ReportEnd write_file(const char *file_name, ReportPlace place, double unit_exponent,
+                            const char *instance) {
+    ReportFile file;
+    if (!report_file_open(&file, file_name, place)) {
+        mfli_message("Error (KLVA-PWR): Could not open filename %s for writing", file_name);
+        return REPORT_FAILED;
     }
-    return written && closed;
+    static char buffer[256 * 1024];
+    setvbuf(file.stream, buffer, _IOFBF, sizeof buffer);
+    const int written = saif_process(file.stream, unit_exponent, instance);
+    const ReportEnd end = report_file_close(&file, written);
+    if (end == REPORT_FAILED || end == REPORT_INCOMPLETE) {
+        report_failure(file_name, end, errno);
+    }
+    return end;
 }
 
 static void write_report(const char *file_name, double unit_exponent, const char *instance) {
@@ -136,15 +119,11 @@ static void write_report(const char *file_name, double unit_exponent, const char
     if (!convert_time_to_printing_units(unit_exponent, &unit, &multiplier)) {
         return;
     }
-    FILE *stream = fopen(file_name, "w");
-    if (stream == nullptr) {
-        mfli_message("Error (KLVA-PWR): Could not open filename %s for writing", file_name);
-        return;
+    ReportEnd end = write_file(file_name, REPORT_BESIDE_NAME, unit_exponent, instance);
+    if (end == REPORT_NOT_MOVED) {
+        end = write_file(file_name, REPORT_IN_PLACE, unit_exponent, instance);
     }
-    struct stat opened = {};
-    fstat(fileno(stream), &opened);
-    if (!write_and_close(stream, unit_exponent, instance)) {
-        report_failure(file_name, &opened, errno);
+    if (end != REPORT_DONE) {
         return;
     }
     mfli_set_toggle_report_status();

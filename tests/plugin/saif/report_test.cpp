@@ -15,15 +15,19 @@
 #include "tests/plugin/report_text.h"
 #include "tests/support/memory_design.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using testing::ElementsAre;
@@ -288,33 +292,75 @@ TEST_F(Report, TracesItsSteps) {
                                                             "Ending build_rtl_saif_tree"}));
 }
 
-TEST_F(Report, SaysWhenTheFileCouldNotBeWritten) {
-    record_clock("/top");
-    EXPECT_THAT(sim.output_of("toggle_report /dev/full 1e-9 /top"),
-                ElementsAre("Error (KLVA-PWR): Could not write file /dev/full: No space left on "
-                            "device"));
-    EXPECT_TRUE(std::filesystem::exists("/dev/full"));
+// How many files a report leaves in its folder, and what stands under its name.
+std::string left_in(const std::filesystem::path &folder, const std::string &file) {
+    const auto files = std::distance(std::filesystem::directory_iterator(folder), {});
+    std::ostringstream text;
+    text << files << ' ' << std::ifstream(file).rdbuf();
+    return text.str();
+}
 
-    // A file that may not grow: gone, or, behind a link, said to be incomplete.
-    const std::string target = (folder / "target.saif").string();
+TEST_F(Report, KeepsTheOldReportWhenTheNewOneCannotBeWritten) {
+    record_clock("/top");
+    const std::string full = (folder / "full").string();
     const std::string link = (folder / "link.saif").string();
-    std::filesystem::create_symlink(target, link);
+    const std::string start = "Error (KLVA-PWR): Could not write file ";
+    std::filesystem::create_symlink("/dev/full", full);
+    EXPECT_THAT(sim.output_of("toggle_report " + full + " 1e-9 /top"),
+                ElementsAre(start + full + ": No space left on device"));
+    std::filesystem::create_symlink(folder / "target.saif", link);
+    std::ofstream(file) << "old";
+    // A file that may not grow: the signal of it must reach nobody.
     rlimit old = {};
     getrlimit(RLIMIT_FSIZE, &old);
     rlimit little = {100, old.rlim_max};
-    const auto old_handler = signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &little);
     const auto plain = sim.output_of("toggle_report " + file + " 1e-9 /top");
     const auto linked = sim.output_of("toggle_report " + link + " 1e-9 /top");
     setrlimit(RLIMIT_FSIZE, &old);
-    signal(SIGXFSZ, old_handler);
-    const std::string start = "Error (KLVA-PWR): Could not write file ";
     EXPECT_THAT(plain, ElementsAre(start + file + ": File too large"));
-    EXPECT_FALSE(std::filesystem::exists(file));
     EXPECT_THAT(linked,
                 ElementsAre(start + link + ": File too large; what it holds is not complete"));
+    EXPECT_EQ(left_in(folder, file), "4 old");
     EXPECT_FALSE(reported());
     EXPECT_THAT(sim.output_of("toggle_reset"), Not(IsEmpty()));  // refused: nothing was reported
+}
+
+TEST_F(Report, PutsTheNewReportInThePlaceOfTheOldOne) {
+    record_clock("/top");
+    struct stat found = {};
+    // name of the old one, its mode (0: none), mode of the new one
+    const std::tuple<std::string, mode_t, mode_t> rows[] = {
+        {"new", 0, 0604}, {"private", 0600, 0600}, {std::string(255, 'l'), 0664, 0664}};
+    const mode_t mask = umask(0062);
+    for (const auto &[name, before, after] : rows) {
+        file = folder / name;
+        const std::string unfinished = file.substr(0, folder.string().size() + 245) + ".unfinished";
+        if (before != 0) {
+            std::ofstream(file) << "old";
+            chmod(file.c_str(), before);
+            std::ofstream(unfinished) << "of a writer that was killed";
+        }
+        const std::ifstream reader(file);
+        EXPECT_THAT(body("/top"), HasSubstr("clk"));
+        EXPECT_EQ(stat(file.c_str(), &found), 0);
+        EXPECT_EQ(found.st_mode & 0777, after) << name;
+        EXPECT_EQ(left_in(folder, file).substr(0, 11), "1 (SAIFILE\n") << name;
+        // Who reads the old one reads on.
+        EXPECT_EQ((std::ostringstream() << reader.rdbuf()).str(), before == 0 ? "" : "old");
+        std::filesystem::remove(file);
+    }
+    umask(mask);
+}
+
+TEST_F(Report, LeavesALivingWritersFileAlone) {
+    record_clock("/top");
+    const std::string other = file + ".unfinished";
+    const int writer = open(other.c_str(), O_WRONLY | O_CREAT, 0666);
+    ASSERT_EQ(flock(writer, LOCK_EX), 0);
+    EXPECT_THAT(body("/top"), HasSubstr("clk"));
+    EXPECT_EQ(left_in(folder, other), "2 ");
+    close(writer);
 }
 
 std::string printed(const std::string &name, saif_switching_attribute record, int indentation) {
