@@ -11,6 +11,7 @@
 namespace wf {
 
 class Shell;
+struct Simulation;
 
 void add_run_commands(Tcl_Interp *interp, Shell &shell);     // run, now
 void add_script_commands(Tcl_Interp *interp, Shell &shell);  // do, transcript, quit, exit, help
@@ -39,6 +40,10 @@ inline int fail_interrupted(Tcl_Interp *interp, std::string_view message) {
     Tcl_SetErrorCode(interp, "WFSIM", "INTERRUPTED", nullptr);
     return fail(interp, message);
 }
+
+// Where plug-ins' errors are the script's: fails with the first of them, which then counts no
+// more, as the script may catch it. TCL_OK without one.
+int fail_if_strict(Tcl_Interp *interp, const Simulation &simulation);
 
 // The words from `first` on with one blank between them.
 std::string join_words(int first, int count, Tcl_Obj *const words[]);

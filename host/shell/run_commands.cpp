@@ -42,7 +42,7 @@ int finish_run(Tcl_Interp *interp, Shell &shell, RunEnd end, Ticks limit) {
     Tcl_ResetResult(interp);
     shell.run_notes().tell(end, limit);
     if (end != RunEnd::interrupted) {
-        return TCL_OK;
+        return fail_if_strict(interp, shell.simulation());
     }
     take_interrupt();
     return fail_interrupted(interp, shell.run_notes().interruption());

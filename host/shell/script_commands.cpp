@@ -128,8 +128,13 @@ int quit(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[])
     int code = 0;
     for (int i = 1; i < count; ++i) {
         const std::string_view option = text_of(words[i]);
-        if (option == "-f" || option == "-force" || option == "-sim") {
+        if (option == "-f" || option == "-force") {
             continue;
+        }
+        if (option == "-sim") {
+            return fail(interp,
+                        "quit: -sim is not offered, as a run has one design; quit without it "
+                        "ends the run");
         }
         if (option != "-code" || ++i == count) {
             return fail(interp, "usage: quit [-f] [-code STATUS]");

@@ -8,6 +8,8 @@
 #include "host/fli/session.h"
 #include "host/shell/commands.h"
 #include "host/shell/interrupt.h"
+#include "host/shell/message_watch.h"
+#include "host/shell/plugin_command.h"
 #include "host/shell/transcript.h"
 
 namespace wf {
@@ -19,14 +21,14 @@ struct PluginCommand {
     std::string name;
 };
 
-int run_plugin_command(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
+int answer_plugin_command(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
     const auto &command = *static_cast<PluginCommand *>(data);
     const std::string arguments = join_words(1, count, words);
     const std::string line = arguments.empty() ? command.name : command.name + " " + arguments;
     Tcl_ResetResult(interp);
     command.shell.flush();
-    command.shell.simulation().session.run_command(command.name, line);
-    return TCL_OK;
+    run_plugin_command(command.shell.simulation(), command.name, line);
+    return fail_if_strict(interp, command.shell.simulation());
 }
 
 void delete_plugin_command(ClientData data) {
@@ -74,6 +76,11 @@ std::string variable(Tcl_Interp *interp, const char *name) {
 
 }  // namespace
 
+int fail_if_strict(Tcl_Interp *interp, const Simulation &simulation) {
+    const bool failed = simulation.strict && simulation.watch.errors() > 0;
+    return failed ? fail(interp, simulation.watch.take_errors()) : TCL_OK;
+}
+
 std::string join_words(int first, int count, Tcl_Obj *const words[]) {
     std::string text;
     for (int i = first; i < count; ++i) {
@@ -112,8 +119,8 @@ Shell::~Shell() {
 }
 
 void Shell::add_plugin_command(const std::string &name) {
-    Tcl_CreateObjCommand(interp_, name.c_str(), run_plugin_command, new PluginCommand{*this, name},
-                         delete_plugin_command);
+    Tcl_CreateObjCommand(interp_, name.c_str(), answer_plugin_command,
+                         new PluginCommand{*this, name}, delete_plugin_command);
 }
 
 ScriptEnd Shell::run_file(const std::string &path, const std::vector<std::string> &arguments) {

@@ -6,14 +6,17 @@
 
 namespace wf {
 
+class MessageWatch;
 class RunControl;
 class Session;
 class Transcript;
 
 struct Simulation {
-    Session &session;
+    Session &session;  // whose console is the watch
     RunControl &control;
     Transcript &transcript;
+    MessageWatch &watch;
+    bool strict = false;  // the first error of a plug-in is an error of the script
 };
 
 }  // namespace wf

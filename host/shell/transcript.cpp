@@ -17,9 +17,6 @@ Transcript::~Transcript() {
 }
 
 void Transcript::print(std::string_view text) {
-    if (line_listener_) {
-        line_listener_(text);
-    }
     std::string whole = line_open_ ? "\n" : "";
     whole.append(text);
     whole += '\n';

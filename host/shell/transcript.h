@@ -42,11 +42,6 @@ class Transcript final : public Console {
     void set_recording(bool on) { recording_ = on; }
     bool recording() const { return recording_; }
 
-    // `listener` sees every printed line before it is written; empty: nobody.
-    void on_line(std::function<void(std::string_view)> listener) {
-        line_listener_ = std::move(listener);
-    }
-
     // `clear` is called before anything is written to the screen (to take a progress line away).
     void before_output(std::function<void()> clear) { before_output_ = std::move(clear); }
 
@@ -62,7 +57,6 @@ class Transcript final : public Console {
     bool recording_ = true;
     bool line_open_ = false;
     bool screen_failed_ = false;
-    std::function<void(std::string_view)> line_listener_;
     std::function<void()> before_output_;
 };
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/fli/plugins.h"
+#include "host/shell/plugin_command.h"
 #include "host/source/vpi/access.h"
 #include "host/vpi/system_tasks.h"
 
@@ -34,20 +35,17 @@ std::string command_line(std::vector<const char *> words) {
 
 Adapter::Adapter()
     : transcript_(stdout),
+      watch_(transcript_),
       kernel_(design_),
       clock_(kernel_, design_.resolution_exponent, [this] { resume_script(); }),
-      session_(design_, kernel_, transcript_) {
-    transcript_.on_line([this](std::string_view line) { watch_.see(line); });
-}
-
-Adapter::~Adapter() {
-    transcript_.on_line({});
+      session_(design_, kernel_, watch_) {
 }
 
 std::string Adapter::prepare(const Arguments &arguments, const std::string &folder,
                              void (*task)(const std::string &line)) {
     script_ = arguments.script;
     memory_limit_ = arguments.memory_limit;
+    strict_ = arguments.strict;
     if (arguments.trace) {
         session_.trace_to_console();
     }
@@ -87,7 +85,7 @@ void Adapter::start_script() {
     if (script_.empty()) {
         return;
     }
-    shell_.emplace(Simulation{session_, clock_, transcript_});
+    shell_.emplace(simulation());
     run_part(command_line({"coroutine", coroutine, "do", script_.c_str()}));
 }
 
@@ -119,7 +117,10 @@ bool Adapter::take_task(const std::string &line) {
 void Adapter::run_tasks() {
     simulator_.settle();
     for (const std::string &line : std::exchange(tasks_, {})) {
-        session_.run_command(line.substr(0, line.find(' ')), line);
+        if (!run_plugin_command(simulation(), line.substr(0, line.find(' ')), line) && strict_) {
+            end_simulation(exit_error);
+            return;
+        }
     }
 }
 
@@ -143,11 +144,9 @@ void Adapter::finish() {
         resume_script();
     }
     shell_.reset();
-    if (watch_.window_open) {
-        transcript_.print(
-            "Warning: the counting window is still open at the end; it is in no report");
-    }
+    watch_.tell_open_window();
     session_.quit();
+    status_ = watch_.conclude(status_, /*aloud=*/true);
 }
 
 }  // namespace wf

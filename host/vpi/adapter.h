@@ -27,7 +27,6 @@ class Adapter {
     Adapter();
     Adapter(const Adapter &) = delete;
     Adapter &operator=(const Adapter &) = delete;
-    ~Adapter();
 
     // Loads the plug-ins and offers their commands as system tasks that call `task`. Empty, or what
     // is wrong.
@@ -46,11 +45,12 @@ class Adapter {
     // What is left of the script, then the end of the plug-ins.
     void finish();
 
-    // The exit status that the script's end asks for: 0, 1 after an error, or quit's.
+    // The exit status that was asked for: 0, 1 after an error, or quit's.
     int status() const { return status_; }
 
   private:
     std::string load_plugins(const Arguments &arguments, const std::string &folder);
+    Simulation simulation() { return {session_, clock_, transcript_, watch_, strict_}; }
     void resume_script();
     void run_part(const std::string &commands);
     void end_simulation(int status);
@@ -66,6 +66,7 @@ class Adapter {
     std::vector<std::string> tasks_;  // commands of system tasks that wait for the step's end
     std::string script_;
     uint64_t memory_limit_ = 0;
+    bool strict_ = false;
     int status_ = 0;
     bool script_started_ = false;
     bool ended_ = false;

@@ -14,6 +14,10 @@ std::string take_argument(std::string_view name, std::string_view value, bool ha
         arguments->trace = true;
         return {};
     }
+    if (name == "+wf_strict" && !has_value) {
+        arguments->strict = true;
+        return {};
+    }
     if (name == "+wf_memory") {
         const char *end = value.data() + value.size();
         const auto read = std::from_chars(value.data(), end, arguments->memory_limit);
@@ -23,7 +27,7 @@ std::string take_argument(std::string_view name, std::string_view value, bool ha
     }
     if (name != "+wf_do" && name != "+wf_foreign") {
         return "unknown argument; there are +wf_do=FILE, +wf_foreign=FUNCTION:LIBRARY, "
-               "+wf_memory=BITS, +wf_trace";
+               "+wf_memory=BITS, +wf_strict, +wf_trace";
     }
     if (value.empty()) {
         return "expected a value after " + std::string(name) + "=";

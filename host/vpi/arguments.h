@@ -13,6 +13,7 @@ struct Arguments {
     std::string script;                // +wf_do=FILE, else WF_DO; empty: none
     std::vector<std::string> foreign;  // +wf_foreign=FUNCTION:LIBRARY each
     bool trace = false;                // +wf_trace
+    bool strict = false;               // +wf_strict
     uint64_t memory_limit = 65536;     // +wf_memory=BITS
 };
 

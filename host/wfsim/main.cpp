@@ -130,15 +130,13 @@ std::string finish_trace(Session &session, const std::string &path, File &file) 
 }
 
 // With everything loaded: does what the command line asks for, then lets the plug-ins go.
-int simulate(const Simulation &simulation, const Options &options, const MessageWatch &watch) {
+int simulate(const Simulation &simulation, const Options &options) {
     const bool one_command = !options.report.saif.empty();
-    int status = one_command ? ReportRun(simulation, options.report, watch).execute()
+    int status = one_command ? ReportRun(simulation, options.report).execute()
                              : run_commands(simulation, options);
-    if (watch.window_open) {
-        simulation.transcript.print(
-            "Warning: the counting window is still open at the end; it is in no report");
-    }
+    simulation.watch.tell_open_window();
     simulation.session.quit();
+    status = simulation.watch.conclude(status, /*aloud=*/!one_command);
     if (status == exit_ok && !simulation.control.damage().empty()) {
         status = exit_damaged;
     }
@@ -149,24 +147,22 @@ int replay(Source &source, Design &design, Transcript &transcript, const Options
            const std::vector<Plugin> &plugins) {
     Kernel kernel(design);
     Replay control(source, design, kernel);
-    MessageWatch watch;
-    transcript.on_line([&watch](std::string_view line) { watch.see(line); });
+    MessageWatch watch(transcript);
     File trace;
     int status = exit_ok;
     std::string error;
     {
-        Session session(design, kernel, transcript);
+        Session session(design, kernel, watch);
         error = start_trace(session, options, trace);
         if (error.empty()) {
             error = load_plugins(session, plugins);
         }
         if (error.empty()) {
-            status = simulate({session, control, transcript}, options, watch);
+            status = simulate({session, control, transcript, watch, options.strict}, options);
         }
         const std::string trace_error = finish_trace(session, options.trace_file, trace);
         error = error.empty() ? trace_error : error;
     }
-    transcript.on_line({});
     return error.empty() ? status : complain(error, exit_error);
 }
 

@@ -22,6 +22,7 @@ bzip2, "-" for standard input), loads the plug-in, and runs a Tcl script or offe
   -trace                show every call of the plug-in in the transcript
   -trace=FILE           the same, to a file
   -quiet                no progress line
+  -strict               the first error of a plug-in ends the script at its command
   -help, -version
 
 One command, without a script: record a stretch of time and write the report.
@@ -37,8 +38,9 @@ One command, without a script: record a stretch of time and write the report.
   -rtl FILE             forward SAIF file for read_rtl_saif
   -testbench PATH       the path that goes with -rtl
 
-Exit status: 0 done; 1 error; 2 wrong command line; 3 the waveform is damaged (what lies before
-the damage was used); 130 interrupted. A script's `quit -code N` gives N.
+Exit status: 0 done; 1 error, also one that the plug-in reported; 2 wrong command line; 3 the
+waveform is damaged (what lies before the damage was used); 130 interrupted. A script's
+`quit -code N` gives N, unless N is 0 and there were errors.
 )";
 
 namespace {
@@ -139,6 +141,7 @@ std::vector<Option> option_table(Options &options) {
         {.name = "-foreign", .list = &options.foreign},
         {.name = "-l", .text = &options.transcript},
         {.name = "-quiet", .flag = &options.quiet},
+        {.name = "-strict", .flag = &options.strict},
         {.name = "-help", .flag = &options.help},
         {.name = "-h", .flag = &options.help},
         {.name = "-version", .flag = &options.version},

@@ -29,6 +29,7 @@ struct Options {
     std::vector<std::string> scripts;  // files or commands, in order
     bool batch = false;
     bool quiet = false;
+    bool strict = false;
     bool help = false;
     bool version = false;
     std::string transcript;

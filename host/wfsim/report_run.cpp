@@ -14,8 +14,8 @@
 
 #include "host/fli/session.h"
 #include "host/shell/interrupt.h"
+#include "host/shell/plugin_command.h"
 #include "host/shell/transcript.h"
-#include "host/wfsim/saif_check.h"
 
 namespace wf {
 namespace {
@@ -45,11 +45,9 @@ std::string joined(const std::vector<std::string> &words) {
 
 }  // namespace
 
-ReportRun::ReportRun(const Simulation &simulation, const ReportOptions &options,
-                     const MessageWatch &watch)
+ReportRun::ReportRun(const Simulation &simulation, const ReportOptions &options)
     : simulation_(simulation),
       options_(options),
-      watch_(watch),
       notes_(simulation.control, simulation.transcript) {
 }
 
@@ -175,8 +173,7 @@ bool ReportRun::select_signals() {
             return false;
         }
     }
-    // A signal whose type cannot be counted is an error that keeps nobody else from being counted.
-    return command("set_toggle_region", joined(options_.regions)) || watch_.selected;
+    return command("set_toggle_region", joined(options_.regions));
 }
 
 bool ReportRun::open_window() {
@@ -198,23 +195,11 @@ bool ReportRun::close_window() {
 }
 
 bool ReportRun::write_report() {
-    const unsigned before = watch_.reports;
-    if (!command("toggle_report", options_.saif + " " + options_.unit + " " + options_.instance)) {
-        return false;
-    }
-    if (watch_.reports == before) {
-        return tell(options_.saif + ": the plug-in did not say that it wrote the report");
-    }
-    const std::string error = check_saif_file(options_.saif);
-    return error.empty() || tell(error);
+    return command("toggle_report", options_.saif + " " + options_.unit + " " + options_.instance);
 }
 
 bool ReportRun::command(const std::string &name, const std::string &arguments) {
-    const unsigned before = watch_.errors;
-    if (!simulation_.session.run_command(name, arguments.empty() ? name : name + " " + arguments)) {
-        return tell("the plug-in has no command " + name);
-    }
-    return watch_.errors == before;
+    return run_plugin_command(simulation_, name, arguments.empty() ? name : name + " " + arguments);
 }
 
 void ReportRun::run_until(Ticks limit) {

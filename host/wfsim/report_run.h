@@ -6,7 +6,6 @@
 
 #include <string>
 
-#include "host/shell/message_watch.h"
 #include "host/shell/run_notes.h"
 #include "host/shell/simulation.h"
 #include "host/wfsim/exit_status.h"
@@ -16,9 +15,8 @@ namespace wf {
 
 class ReportRun {
   public:
-    // `watch` sees the transcript's messages. All of them outlive this.
-    ReportRun(const Simulation &simulation, const ReportOptions &options,
-              const MessageWatch &watch);
+    // Both outlive this.
+    ReportRun(const Simulation &simulation, const ReportOptions &options);
 
     // Does it all; every failure has been told in the transcript. After an interrupt or damage in
     // the waveform the report covers what was recorded until then.
@@ -44,7 +42,6 @@ class ReportRun {
 
     Simulation simulation_;
     ReportOptions options_;
-    const MessageWatch &watch_;
     RunNotes notes_;
     Ticks start_ = 0;
     Ticks stop_ = run_to_end;

@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""What cannot go well: damaged waveforms, missing plug-ins, a full disk; nothing is lost silently."""
+"""What cannot go well: damaged waveforms, missing plug-ins, a full disk; nothing is lost silently.
+One table of scripts says which status each host ends with."""
 
 import pathlib
+import shutil
 import tempfile
 import unittest
 
+from inside import Ghdl, Icarus, InsideCase, levels
 from programs import HERE, WFSIM, FolderCase, run, without_date
 
 SMALL = HERE / "golden" / "small.vcd"
@@ -32,6 +35,116 @@ DAMAGED = {
     "empty": (lambda text: "", 1, "small.vcd", False),
     "something else": (lambda text: "\x7fELF" + text, 1, "small.vcd", False),
 }
+
+# The same design twice: /tb, /tb/clk and /tb/dut with its q.
+VERILOG = """`timescale 1ns / 1ps
+module dut(input clk, output reg [3:0] q = 0);
+    always @(posedge clk) q <= q + 1;
+endmodule
+module tb;
+    reg clk = 0;
+    dut dut(clk, );
+    always #5 clk = !clk;
+    initial begin
+        $dumpfile("tb.vcd");
+        if ($test$plusargs("vcd")) $dumpvars;
+        if ($test$plusargs("tasks")) begin $toggle_start; $toggle_stop; end
+        #100 $finish;
+    end
+endmodule
+"""
+VHDL = """entity counter is port (clk : in bit; q : out integer := 0); end;
+architecture a of counter is begin q <= q + 1 when clk'event and clk = '1'; end;
+entity tb is end;
+architecture a of tb is signal clk : bit; begin
+    clk <= not clk after 5 ns when now < 100 ns;
+    dut : entity work.counter port map (clk, open);
+end;
+"""
+
+# What scripts give first: the recording, and a forward file that ends too early.
+RECORDED = ["set_toggle_region /tb/dut", "toggle_start", "run 40ns", "toggle_stop"]
+CUT = "close [open cut.fsaif w]"
+
+# name: (commands, exit status). A command behind "!" has a plug-in report one error, which ends the
+# script under -strict; each counts in the last line.
+STATUS = {
+    "all is well": ([*RECORDED, "toggle_report out.saif 1.0e-9 /tb/dut", "quit"], 0),
+    "no such region": (["!set_toggle_region /tb/no", *RECORDED], 1),
+    "no region": (["!set_toggle_region", "quit -f"], 1),
+    "an index too many": (["!set_toggle_region /tb/dut/q(99)(1) /tb", "exit"], 1),
+    "no such region for a policy": (["!set_net_monitoring_policy off /tb/no"], 1),
+    "a policy of no kind": (["!set_net_monitoring_policy maybe /tb", "quit -code 0"], 1),
+    "out of order": (["!toggle_stop", "!toggle_start", *RECORDED, "!toggle_stop"], 1),
+    "no such instance": ([*RECORDED, "!toggle_report out.saif 1.0e-9 /tb/no"], 1),
+    "no such folder": ([*RECORDED, "!toggle_report no/out.saif 1.0e-9 /tb/dut"], 1),
+    "a full disk": ([*RECORDED, "!toggle_report /dev/full 1.0e-9 /tb/dut"], 1),
+    "no unit": ([*RECORDED, "!toggle_report out.saif 1.0e-99 /tb/dut"], 1),
+    "no such forward file": (["!read_rtl_saif no.fsaif /tb/dut"], 1),
+    "a damaged forward file": (
+        [CUT, "toggle_debug_level 1", "!read_rtl_saif cut.fsaif /tb/dut"], 1),
+    "the script's own status": (["!toggle_stop", "quit -code 7"], 7),
+    "leaving the design alone": (["catch {quit -sim} why", "error $why"], 1),
+}
+
+
+class Status(InsideCase):
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        (cls.shared / "tb.v").write_text(VERILOG)
+        (cls.shared / "tb.vhd").write_text(VHDL)
+        cls.icarus = Icarus(cls.shared, "tb.v")
+        run(*cls.icarus.command(dump=True), folder=cls.shared)
+        cls.waveform = cls.shared / "tb.vcd"
+        cls.hosts = {
+            "-do": (WFSIM, cls.waveform, "-do", "run.tcl"),
+            "standard input": (WFSIM, cls.waveform, "-c"),
+            "Icarus Verilog": cls.icarus.command("+wf_do=run.tcl"),
+        }
+        if shutil.which("ghdl"):
+            cls.hosts["GHDL"] = Ghdl(cls.shared, "tb.vhd").command("+wf_do=run.tcl")
+
+    def each_host(self, strict, check):
+        """For each row and host: check(commands, status, how the run ended, lines with a level)"""
+        for name, (commands, status) in STATUS.items():
+            script = "".join(command.lstrip("!") + "\n" for command in commands)
+            (self.folder / "run.tcl").write_text(script)
+            for host, command in self.hosts.items():
+                option = "-strict" if WFSIM in command else "+wf_strict"
+                with self.subTest(name, host=host, strict=strict):
+                    done = run(*command, *[option][:strict], folder=self.folder, input=script)
+                    check(commands, status, done, levels(done.stdout))
+
+    def test_scripts_go_on_and_errors_are_counted(self):
+        def check(commands, status, done, told):
+            self.assertEqual(done.returncode, status, done.stdout + done.stderr)
+            errors = sum(command.startswith("!") for command in commands)
+            expected = {0: [], 1: ["Error: 1 error was reported"]}.get(
+                errors, [f"Error: {errors} errors were reported"])
+            self.assertEqual([line for line in told if "reported" in line], expected)
+            self.assertEqual(told[-1:], expected or told[-1:])
+        self.each_host(False, check)
+
+    def test_strict_scripts_stop_at_the_first_error(self):
+        def check(commands, status, done, told):
+            failing = [i for i, command in enumerate(commands, 1) if command.startswith("!")]
+            self.assertEqual(done.returncode, 1 if failing else status, done.stdout)
+            if failing:
+                self.assertRegex(told[-1], rf"^Error: (run\.tcl|<stdin>):{failing[0]}: [^(]+")
+        self.each_host(True, check)
+
+    def test_a_caught_error_is_the_scripts_own(self):
+        script = "catch {toggle_stop} why; puts <$why>"
+        done = run(WFSIM, self.waveform, "-strict", "-do", script, folder=self.folder)
+        self.assertEqual(done.returncode, 0)
+        self.assertTrue(done.stdout.endswith(
+            "\n<set_toggle_region must be done before toggle_stop.>\n"), done.stdout)
+
+    def test_system_tasks(self):
+        for option, count in (([], "2 errors were"), (["+wf_strict"], "1 error was")):
+            shown = self.simulate(self.icarus, None, "+tasks", *option, status=1)
+            self.assertTrue(shown.endswith(f"\nError: {count} reported\n"), shown)
 
 
 class Failures(FolderCase):

@@ -99,7 +99,7 @@ FAILURES = {
         "object file: No such file or directory"]),
     "an argument that is not one": (None, ["+wf_doo=run.tcl"], {}, 2, [
         "wattforge: +wf_doo=run.tcl: unknown argument; there are +wf_do=FILE, "
-        "+wf_foreign=FUNCTION:LIBRARY, +wf_memory=BITS, +wf_trace"]),
+        "+wf_foreign=FUNCTION:LIBRARY, +wf_memory=BITS, +wf_strict, +wf_trace"]),
     "a run past the end": (
         "run 1ms\n", [], {}, 0, ["Note: run stopped at 46706 ns, the end of the simulation"]),
 }

@@ -36,10 +36,12 @@ class RtlFlow(FolderCase):
         (self.folder / name).write_text(text)
         return self.folder / name
 
-    def replay(self, script):
+    def replay(self, script, status=0):
         """The transcript of a run script, line by line."""
         script = self.write("test.tcl", script + "\nquit\n")
-        return must(WFSIM, self.vcd, "-do", script, folder=self.folder).splitlines()
+        done = run(WFSIM, self.vcd, "-do", script, folder=self.folder)
+        self.assertEqual(done.returncode, status, done.stdout)
+        return done.stdout.splitlines()
 
     def compare(self, report, forward, testbench, *further):
         return run("python3", HERE / "compare_rtl.py", report, "--vcd", self.vcd, "--forward",
@@ -100,7 +102,7 @@ class RtlFlow(FolderCase):
         self.assertNotIn(where, quiet)
         told = self.replay("toggle_debug_level 1; read_rtl_saif cut.fsaif /tb/dut/u_low\n"
                            "toggle_debug_level 0; read_rtl_saif grant.fsaif /tb/dut/u_low\n"
-                           "set_toggle_region /tb/dut\n" + RECORD + "/tb/dut/u_low")
+                           "set_toggle_region /tb/dut\n" + RECORD + "/tb/dut/u_low", status=1)
         self.assertLess(told.index(where), told.index(done))
         kept = self.write("kept.fsaif", HEADER + '(INSTANCE top (NET (count[0] r0/Q "sequential")'
                           "(count[0] again) (count[1] r1/Q) (grant grant))))\n")

@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "host/shell/message_watch.h"
 #include "host/shell/run_control.h"
 #include "host/shell/shell.h"
 #include "host/shell/transcript.h"
@@ -68,7 +69,8 @@ class ShellTest : public testing::Test {
     // Made at the first use, so that a test can register plug-in commands before or after.
     Shell &shell() {
         if (!shell_) {
-            shell_ = std::make_unique<Shell>(Simulation{sim.session(), control, transcript_});
+            shell_ =
+                std::make_unique<Shell>(Simulation{sim.session(), control, transcript_, watch_});
         }
         return *shell_;
     }
@@ -108,6 +110,7 @@ class ShellTest : public testing::Test {
     size_t read_ = 0;
     std::FILE *screen_ = open_memstream(&screen_text_, &screen_size_);
     Transcript transcript_{screen_};
+    MessageWatch watch_{transcript_};
     std::unique_ptr<Shell> shell_;
 };
 

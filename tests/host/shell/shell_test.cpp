@@ -70,6 +70,9 @@ TEST_F(ShellTest, MistakesAreToldOnceWithTheirPlace) {
          "test:1: do: cannot read " + path("none.tcl") + ": No such file or directory"},
         {"now 5", "test:1: wrong # args: should be \"now\""},
         {"quit -code 256", "test:1: quit: expected a status from 0 to 255, got \"256\""},
+        {"quit -f -sim",
+         "test:1: quit: -sim is not offered, as a run has one design; quit without it ends the "
+         "run"},
         {"quit please", "test:1: usage: quit [-f] [-code STATUS]"},
         {"transcript fly",
          "test:1: usage: transcript file [NAME] | transcript on | transcript off"},
@@ -95,7 +98,8 @@ TEST_F(ShellTest, QuitEndsEveryScriptPastEveryCatch) {
     };
     for (const auto &[commands, code] : rows) {
         Transcript transcript(nullptr);
-        Shell shell(Simulation{sim.session(), control, transcript});
+        MessageWatch watch(transcript);
+        Shell shell(Simulation{sim.session(), control, transcript, watch});
         EXPECT_EQ(shell.run_text(commands, "test"), ScriptEnd::quit) << commands;
         EXPECT_EQ(shell.quit_code(), code) << commands;
     }

@@ -48,7 +48,7 @@ TEST(Arguments, ScriptsAndPlugins) {
 TEST(Arguments, Errors) {
     const std::string known =
         "unknown argument; there are +wf_do=FILE, +wf_foreign=FUNCTION:LIBRARY, +wf_memory=BITS, "
-        "+wf_trace";
+        "+wf_strict, +wf_trace";
     const std::pair<Words, std::string> rows[] = {
         {{"+wf_od=x"}, "+wf_od=x: " + known},
         {{"+wf_trace=x"}, "+wf_trace=x: " + known},
