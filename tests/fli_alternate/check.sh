@@ -8,8 +8,12 @@ here=$(cd "$(dirname "$0")" && pwd)
 plain=$1
 alternate=$plain/alternate
 
+launcher=()
+if command -v ccache >/dev/null; then
+    launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+fi
 cmake -G Ninja -S "$here/../.." -B "$alternate" -DFLI_INCLUDE_DIR="$here" -DCMAKE_BUILD_TYPE=Debug \
-    -DWATTFORGE_HOSTS=ON -DWATTFORGE_TESTS=OFF -DWATTFORGE_BENCH=OFF
+    -DWATTFORGE_HOSTS=ON -DWATTFORGE_TESTS=OFF -DWATTFORGE_BENCH=OFF "${launcher[@]}"
 ninja -C "$alternate" wfsim swfli
 
 # record BUILD_FOLDER WAVEFORM: the transcript and the report without its date
