@@ -82,6 +82,7 @@ void mti_Sensitize(mtiProcessIdT process_handle, mtiSignalIdT signal_handle,
     }
     call->kernel.sensitize(process, *signal,
                            trigger == MTI_EVENT ? wf::Trigger::event : wf::Trigger::active);
+    call->tell_sensitized(*signal);
 }
 
 mtiTime64T *mti_NowIndirect(mtiTime64T *buf) {

@@ -79,6 +79,10 @@ void Session::on_command(std::function<void(const Command &)> listener) {
     }
 }
 
+void Session::on_sensitize(std::function<void(const Signal &)> listener) {
+    sensitize_listener_ = std::move(listener);
+}
+
 void Session::add_quit_callback(mtiVoidFuncPtrT function, void *parameter) {
     quit_callbacks_.push_back({function, parameter});
 }

@@ -62,6 +62,14 @@ class Session {
     // Called for every newly registered command, and at once for those that exist.
     void on_command(std::function<void(const Command &)> listener);
 
+    // Called for each signal that a process is made sensitive to; empty: nobody is told.
+    void on_sensitize(std::function<void(const Signal &)> listener);
+    void tell_sensitized(const Signal &signal) const {
+        if (sensitize_listener_) {
+            sensitize_listener_(signal);
+        }
+    }
+
     // Runs the quit callbacks in the order of registration, once; later calls do nothing. Memory
     // that the plug-in did not release is released then.
     void quit();
@@ -105,6 +113,7 @@ class Session {
     std::vector<QuitCallback> quit_callbacks_;
     std::vector<void *> libraries_;
     std::function<void(const Command &)> listener_;
+    std::function<void(const Signal &)> sensitize_listener_;
     bool has_quit_ = false;
 };
 

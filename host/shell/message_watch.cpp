@@ -63,8 +63,7 @@ std::string_view cause_of(std::string_view text) {
 
 }  // namespace
 
-void MessageWatch::print(std::string_view text) {
-    const std::string_view message = without_blank_ends(text);
+void MessageWatch::note(std::string_view message) {
     if (is_error(message)) {
         count_error(cause_of(message));
     } else if (message.starts_with("Information (KLVA-PWR): Turned on counting window")) {
@@ -75,7 +74,17 @@ void MessageWatch::print(std::string_view text) {
     } else if (message.starts_with("Information (KLVA-PWR): Report done, wrote file")) {
         ++reports_;
     }
-    shown_.print(text);
+}
+
+void MessageWatch::print(std::string_view text) {
+    const bool is_traced_call = text.starts_with("fli: ");
+    const std::string_view message = without_blank_ends(text);
+    if (!is_traced_call) {
+        note(message);
+    }
+    if (is_traced_call || !hides_ || !hides_(message)) {
+        shown_.print(text);
+    }
 }
 
 void MessageWatch::complain(std::string_view text) {

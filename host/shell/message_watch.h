@@ -10,8 +10,10 @@
 #ifndef WATTFORGE_HOST_SHELL_MESSAGE_WATCH_H
 #define WATTFORGE_HOST_SHELL_MESSAGE_WATCH_H
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "host/fli/console.h"
 
@@ -29,6 +31,10 @@ class MessageWatch final : public Console {
     // An error that the plug-in should have told and did not: shows it as the host's own.
     void tell_error(const std::string &cause);
 
+    // Messages of plug-ins for which `hides` answers true are not shown; they count all the same.
+    // Empty: all are shown.
+    void hide(std::function<bool(std::string_view message)> hides) { hides_ = std::move(hides); }
+
     unsigned errors() const { return errors_; }
     // What the first of them says behind its level and tag; empty without one.
     const std::string &first_error() const { return first_error_; }
@@ -45,9 +51,11 @@ class MessageWatch final : public Console {
     int conclude(int status, bool aloud);
 
   private:
+    void note(std::string_view message);
     void count_error(std::string_view cause);
 
     Console &shown_;
+    std::function<bool(std::string_view)> hides_;
     std::string first_error_;
     unsigned errors_ = 0;
     unsigned reports_ = 0;

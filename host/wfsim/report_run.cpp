@@ -16,6 +16,7 @@
 #include "host/shell/interrupt.h"
 #include "host/shell/plugin_command.h"
 #include "host/shell/transcript.h"
+#include "host/wfsim/forward_file.h"
 
 namespace wf {
 namespace {
@@ -41,6 +42,13 @@ std::string joined(const std::vector<std::string> &words) {
         text += (text.empty() ? "" : " ") + word;
     }
     return text;
+}
+
+bool lies_within(const Region *region, const Region *outer) {
+    while (region != nullptr && region != outer) {
+        region = region->parent;
+    }
+    return region != nullptr;
 }
 
 }  // namespace
@@ -97,10 +105,8 @@ bool ReportRun::settle_names() {
             return tell("no instance " + path + " in the waveform");
         }
     }
-    for (const std::string &path : options_.regions) {
-        if (!is_region(path) && design.find_signal(path) == nullptr) {
-            return tell("no region or signal " + path + " in the waveform");
-        }
+    if (!settle_regions()) {
+        return false;
     }
     std::vector<std::string> words = options_.regions;
     words.insert(words.end(), {options_.saif, options_.instance, options_.rtl, options_.testbench});
@@ -108,6 +114,32 @@ bool ReportRun::settle_names() {
         if (!survives_splitting(word)) {
             return tell("\"" + word +
                         "\" has a blank or a comma, where the plug-in's commands end a word");
+        }
+    }
+    return true;
+}
+
+// The plug-in passes over a region whose name begins as that of an earlier one does, or the other
+// way round: two that lie beside each other, or the wider of two nested ones, would be lost.
+bool ReportRun::settle_regions() {
+    Design &design = simulation_.session.design;
+    std::vector<const Region *> earlier;
+    for (const std::string &path : options_.regions) {
+        const Region *region = design.find_region(path);
+        if (region == nullptr && design.find_signal(path) == nullptr) {
+            return tell("no region or signal " + path + " in the waveform");
+        }
+        const std::string name = region == nullptr ? "" : design.full_name(region);
+        for (const Region *other : earlier) {
+            const std::string &other_name = design.full_name(other);
+            if (region != nullptr && !lies_within(region, other) &&
+                (name.starts_with(other_name) || other_name.starts_with(name))) {
+                return tell("-region " + path + " would be passed over, as its name and that of " +
+                            other_name + " begin alike; name one region around both");
+            }
+        }
+        if (region != nullptr) {
+            earlier.push_back(region);
         }
     }
     return true;
@@ -162,18 +194,43 @@ bool ReportRun::settle_output() {
 }
 
 bool ReportRun::select_signals() {
-    if (!options_.rtl.empty()) {
-        const std::string testbench = options_.testbench.empty() ? "" : " " + options_.testbench;
-        if (!command("read_rtl_saif", options_.rtl + testbench)) {
-            return false;
-        }
+    ForwardFile forward(simulation_, options_.rtl, options_.testbench);
+    std::string error;
+    if (!forward.read(&error)) {
+        return error.empty() ? false : tell(error);
     }
     for (const std::string &policy : options_.policies) {
         if (!command("set_net_monitoring_policy", policy)) {
             return false;
         }
     }
-    return command("set_toggle_region", joined(options_.regions));
+    if (!set_region()) {
+        return false;
+    }
+    return forward.has_matched() ||
+           tell("no report: the design and the regions have no object of " + options_.rtl);
+}
+
+// Fails when the report would have no signal in it.
+bool ReportRun::set_region() {
+    Session &session = simulation_.session;
+    const Region *instance = session.design.find_region(options_.instance);
+    bool is_watched = false;
+    session.on_sensitize([&](const Signal &signal) {
+        is_watched = is_watched || lies_within(session.design.region_of(&signal), instance);
+    });
+    const bool done = command("set_toggle_region", joined(options_.regions));
+    session.on_sensitize({});
+    if (!done || is_watched) {
+        return done;
+    }
+    const std::string place = "no report: nothing in " + options_.instance + " is watched";
+    if (!options_.rtl.empty()) {
+        return tell(place + ", no object of " + options_.rtl + " either");
+    }
+    return tell(place + (options_.policies.empty()
+                             ? "; what is watched lies in " + joined(options_.regions)
+                             : " under this policy"));
 }
 
 bool ReportRun::open_window() {

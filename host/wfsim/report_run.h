@@ -29,7 +29,9 @@ class ReportRun {
     bool settle_times();
     bool settle_unit();
     bool settle_output();
+    bool settle_regions();
     bool select_signals();
+    bool set_region();
     bool open_window();
     bool close_window();
     bool write_report();

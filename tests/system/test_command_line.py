@@ -32,6 +32,14 @@ OPENED = INFO + "Turned on counting window at time %d.000000\n"
 ENDED = "Note: run stopped at 40 ns, the end of the data\n"
 STILL_OPEN = "Warning: the counting window is still open at the end; it is in no report\n"
 MORE = "; wfsim -help tells more\n"
+POLICY = INFO + "Net monitoring policy done\n"
+READ = INFO + 'Reading rtl saif file "%s.fsaif" done.\n'
+SKIPPED = "Warning (KLVA-PWR): could not find signal %s, skipping\n"
+FORWARD = ["-saif", "o.saif", "-testbench", "/tb", "-rtl"]
+FORWARD_TEXT = """(SAIFILE (SAIFVERSION "2.0") (DIRECTION "forward") (DESIGN) (DATE) (VENDOR)
+(PROGRAM_NAME) (VERSION) (DIVIDER /)
+(INSTANCE top (NET (q q) (q again) (gone gone))))
+"""
 
 
 def recorded(start, stop, note=""):
@@ -83,10 +91,32 @@ ANSWERED = [
      "commands end a word\n"),
     (["-saif", "."], 1, "Error: .: cannot write the report: it is a folder\n"),
     (["-saif", "o.saif", "-policy", "maybe /tb"], 1,
-     'Error (KLVA-PWR): First argument must be "on" or "off"\n'
-     + INFO + "Net monitoring policy done\n"),
-    (["-saif", "o.saif", "-rtl", "none.saif", "-testbench", "/tb"], 1,
-     "Error (KLVA-PWR): Unable to open file none.saif\n"),
+     'Error (KLVA-PWR): First argument must be "on" or "off"\n' + POLICY),
+    (["-saif", "o.saif", "-policy", "off /no"], 1,
+     "Warning (KLVA-PWR): Could not find Region /no; Skipping\n" + POLICY),
+    (["-saif", "o.saif", "-region", "/tb/dut", "-region", "/tb"], 2,
+     "Error: -region /tb would be passed over, as its name and that of /tb/dut begin alike; name "
+     "one region around both\n"),
+    # Reports without a signal. The two clocks share their storage, but not their instance.
+    (["-saif", "o.saif", "-region", "clk", "-instance", "dut"], 1,
+     SELECTED + "Error: no report: nothing in dut is watched; what is watched lies in clk\n"),
+    (["-saif", "o.saif", "-policy", "off /tb"], 1,
+     POLICY + SELECTED + "Error: no report: nothing in /tb is watched under this policy\n"),
+    ([*FORWARD, "none.fsaif"], 1, "Error (KLVA-PWR): Unable to open file none.fsaif\n"),
+    ([*FORWARD, "."], 1, "Error: .: expected a forward SAIF file, got a folder\n"),
+    ([*FORWARD, "empty.fsaif"], 1,
+     "Error: empty.fsaif: expected a forward SAIF file, got an empty file\n"),
+    ([*FORWARD, "cut.fsaif"], 1,
+     READ % "cut" + "Error: cut.fsaif:3: expected a forward SAIF file, got a syntax error\n"),
+    ([*FORWARD, "dut.fsaif"], 1, READ % "dut" + "Error: dut.fsaif: expected top as the outermost "
+     "instance, got dut; its objects would not be found or lose their names\n"),
+    (["-saif", "o.saif", "-rtl", "top.fsaif", "-testbench", "/tb/dut"], 0,
+     READ % "top" + SKIPPED % "/tb/dut/gone" + recorded(0, 40)),
+    ([*FORWARD, "top.fsaif"], 1, READ % "top" + SKIPPED % "/tb/q" + SKIPPED % "/tb/gone" + SELECTED
+     + "Error: no report: nothing in /tb is watched, no object of top.fsaif either\n"),
+    ([*FORWARD, "top.fsaif", "-policy", "on /tb"], 1,
+     READ % "top" + POLICY + SKIPPED % "/tb/q" + SKIPPED % "/tb/gone" + SELECTED
+     + "Error: no report: the design and the regions have no object of top.fsaif\n"),
 ]
 
 
@@ -94,6 +124,9 @@ class Folder(FolderCase):
     def setUp(self):
         super().setUp()
         (self.folder / "t.vcd").write_text(HEADER + EVENTS)
+        for name, text in {"empty": "", "cut": FORWARD_TEXT[:-9], "top": FORWARD_TEXT,
+                           "dut": FORWARD_TEXT.replace("top", "dut")}.items():
+            (self.folder / f"{name}.fsaif").write_text(text)
 
     def expect(self, done, status, output, errors=""):
         self.assertEqual((done.returncode, done.stdout, done.stderr), (status, output, errors))
