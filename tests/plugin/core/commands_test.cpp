@@ -71,6 +71,7 @@ TEST_F(Commands, SetTheDebugLevelBeforeJudgingIt) {
         {"toggle_debug_level 3", 3, {"Setting debug level to 3"}},
         {"toggle_debug_level", 0, {"Setting debug level to 0"}},
         {"toggle_debug_level   2abc", 2, {"Setting debug level to 2"}},
+        {"toggle_debug_level 010", 10, {"Setting debug level to 10"}},
         {"toggle_debug_level abc", 0, {"Setting debug level to 0"}},
         {"toggle_debug_level -1", -1, {bad_level}},
         {"toggle_debug_level 99999999999", 2147483647, {"Setting debug level to 2147483647"}},

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // A whole replay through reader, kernel, interface and plug-in allocates nothing once every queue
-// has had its largest step. malloc and its kin are counted by the linker's --wrap (CMakeLists.txt),
-// in everything that is linked from objects: the host library and the plug-in.
+// has had its largest step, and nothing is left when the simulator has ended. malloc and its kin
+// are counted by the linker's --wrap (CMakeLists.txt), in everything that is linked from objects:
+// the host library and the plug-in.
 #include "host/design/design.h"
 #include "host/fli/session.h"
 #include "host/kernel/kernel.h"
 #include "host/source/source.h"
 #include "plugin/core/entry.h"
+#include "plugin/select/registration.h"
+#include "plugin/support/run_state.h"
 #include "tests/support/memory_design.h"
 #include "tests/support/scratch.h"
 
@@ -14,12 +17,14 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <string>
 
 namespace {
 uint64_t allocations;
+int64_t live;  // blocks that are allocated now
 }  // namespace
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker makes these names.
@@ -27,18 +32,36 @@ extern "C" {
 void *__real_malloc(size_t bytes);
 void *__real_calloc(size_t count, size_t bytes);
 void *__real_realloc(void *block, size_t bytes);
+void *__real_aligned_alloc(size_t alignment, size_t bytes);
+char *__real_strdup(const char *text);
+void __real_free(void *block);
 
 void *__wrap_malloc(size_t bytes) {
     ++allocations;
+    ++live;
     return __real_malloc(bytes);
 }
 void *__wrap_calloc(size_t count, size_t bytes) {
     ++allocations;
+    ++live;
     return __real_calloc(count, bytes);
 }
 void *__wrap_realloc(void *block, size_t bytes) {
     ++allocations;
+    live += block == nullptr ? 1 : 0;
     return __real_realloc(block, bytes);
+}
+void *__wrap_aligned_alloc(size_t alignment, size_t bytes) {
+    ++live;
+    return __real_aligned_alloc(alignment, bytes);
+}
+char *__wrap_strdup(const char *text) {
+    ++live;
+    return __real_strdup(text);
+}
+void __wrap_free(void *block) {
+    live -= block != nullptr ? 1 : 0;
+    __real_free(block);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)
@@ -116,6 +139,45 @@ TEST(ReplayAllocation, NothingIsAllocatedInTheSecondHalf) {
     ASSERT_EQ(source->advance_to(kernel, STEPS * 20, nullptr), wf::Progress::end_of_data);
     EXPECT_EQ(allocations, before);
     EXPECT_EQ(kernel.now(), (STEPS - 1) * 10);
+}
+
+// A simulator's whole life, with everything in it that the plug-in has to remember.
+void live_and_quit(const std::string &forward, const std::string &report) {
+    mfli_window_active = 0;
+    wf::test::MemorySimulator sim;
+    const wf::Type *logic = sim.types.std_logic();
+    sim.signal("/tb/dut/q", logic);
+    sim.signal("/tb/dut/bus", sim.types.array(logic, 15, 0));
+    sim.start(swfli_init);
+    sim.command("toggle_debug_level 1");
+    for (const char *path : {" /tb", " /tb/dut", " /tb/dut", ""}) {
+        sim.command("read_rtl_saif " + forward + path);
+    }
+    sim.command("set_net_monitoring_policy on /tb/dut off /tb");
+    sim.command("set_toggle_region /tb");
+    mfli_register_net(sim.handle("/tb/dut/q"), "/tb/further/q", 0);
+    for (const char *line : {"toggle_start", "toggle_stop", "toggle_report", "toggle_reset"}) {
+        sim.drive(sim.now() + 5, "/tb/dut/bus", "0101010101010101");
+        sim.command(line == std::string("toggle_report") ? line + (" " + report) + " 1e-9 /tb"
+                                                         : line);
+    }
+    sim.quit();
+    mfli_window_active = 0;
+}
+
+TEST(ReplayAllocation, NothingIsLeftAtTheEnd) {
+    const std::string forward = wf::test::scratch_file("forward.fsaif");
+    std::ofstream(forward) << "(SAIFILE (SAIFVERSION \"2\") (DIRECTION \"f\") (DESIGN) (DATE)"
+                              "(VENDOR) (PROGRAM_NAME) (VERSION) (DIVIDER /) (INSTANCE top"
+                              "(NET (q a/Q \"sequential\") (q b) (bus\\[3\\] c))"
+                              "(MPM_INSTANCE \"ram\" m (INSTANCE n))"
+                              "(MPM_INSTANCE \"rom\" m) (MPM_INSTANCE o)) (INSTANCE \"odd\"";
+    const std::string report = wf::test::scratch_file("report.saif");
+    live_and_quit(forward, report);
+    const int64_t before = live;
+    live_and_quit(forward, report);
+    EXPECT_EQ(live, before);
+    EXPECT_TRUE(std::ifstream(report).good());
 }
 
 }  // namespace

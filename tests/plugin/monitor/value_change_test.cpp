@@ -100,7 +100,7 @@ TEST_F(Recorder, CountsIntegersBitByBit) {
 }
 
 TEST_F(Recorder, CountsTheEndOfAStepOnly) {
-    for (const char *name : {"/top/a", "/top/b"}) {
+    for (const char *name : {"/top/a", "/top/b", "/top/c"}) {
         sim.signal(name, sim.types.std_logic());
         sim.set(name, '0');
     }
@@ -121,22 +121,30 @@ TEST_F(Recorder, CountsTheEndOfAStepOnly) {
                     "Update SA = /top/b; Scalar/Enum; size 1",
                     "Time 10.000000, trash_list 2, changed_list 0"));
     // The undone pulse is no toggle, but the time up to it is credited and refreshed.
-    EXPECT_THAT(activity(), ElementsAre("/top/a 10 0 0 0 0 0", "/top/b 10 0 0 1 0 1"));
-    sim.drive(15, "/top/b", '0');
+    EXPECT_THAT(activity(),
+                ElementsAre("/top/a 10 0 0 0 0 0", "/top/b 10 0 0 1 0 1", "/top/c 0 0 0 0 0 0"));
+    // Counted in the order of their events, although c's item of the list is a new one.
+    sim.drive(15, "/top/a", '1');
+    sim.set("/top/b", '0');
+    sim.set("/top/c", '1');
     sim.settle();
-    EXPECT_THAT(sim.lines(), ElementsAre("Processing event on signal: /top/b",
-                                         "Update SA = /top/b; Scalar/Enum; size 1",
-                                         "Time 15.000000, trash_list 2, changed_list 0"));
+    const Lines counted = sim.lines();
+    EXPECT_THAT(Lines(counted.begin() + 3, counted.end()),
+                ElementsAre("Update SA = /top/a; Scalar/Enum; size 1",
+                            "Update SA = /top/b; Scalar/Enum; size 1",
+                            "Update SA = /top/c; Scalar/Enum; size 1",
+                            "Time 15.000000, trash_list 3, changed_list 0"));
     mfli_update_event_count(nullptr);
     EXPECT_THAT(sim.lines(), IsEmpty());
     mfli_debug_level = 3;
-    sim.drive(20, "/top/a", '1');
+    sim.drive(20, "/top/a", '0');
     sim.settle();
     EXPECT_THAT(sim.lines(), ::testing::Contains(" Printing mfli_monitor_table"));
     mfli_debug_level = 0;
     sim.run_to(25);
     close();
-    EXPECT_THAT(activity(), ElementsAre("/top/a 20 5 0 1 0 2", "/top/b 20 5 0 2 0 2"));
+    EXPECT_THAT(activity(),
+                ElementsAre("/top/a 20 5 0 2 0 2", "/top/b 20 5 0 2 0 2", "/top/c 15 10 0 1 0 2"));
 }
 
 TEST_F(Recorder, IgnoresEventsOutsideAWindow) {

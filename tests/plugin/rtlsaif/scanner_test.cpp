@@ -96,6 +96,7 @@ TEST(Scanner, TurnsTextIntoTokens) {
         // comments
         {"a//b\nc// d", "a c"},
         {"//", ""},
+        {"// \xc3\xa9\na \"\xc3\xa9\" \"\xff\xfex\nb", "a '\xc3\xa9' x b"},
         {"a/*b\n*/c/**/d/***/e/*/f*/g/****h**/i", "a c d e g i"},
         {"a /* open * /", "a 1"},
         {"a /*", "a 1"},
@@ -195,6 +196,16 @@ TEST(Streams, NestWithTheirOwnLineDividerAndFlags) {
     EXPECT_EQ(rest_of_tokens(), "");
     EXPECT_EQ(saifrtl_n_input_stream, 0);
     EXPECT_EQ(saifrtl_current_file(), nullptr);
+    for (const int16_t flag : {int16_t{0}, int16_t{1}}) {
+        saifrtl_local_open_stream(open_text(outer), "outer", nullptr, nullptr, 1);
+        saifrtl_expecting_divider() = static_cast<int16_t>(1 - flag);
+        saifrtl_expecting_divider_candidate() = flag;
+        saifrtl_local_open_stream(open_text(inner), "inner", nullptr, nullptr, 1);
+        EXPECT_EQ(saifrtl_expecting_divider(), 1 - flag);
+        EXPECT_EQ(saifrtl_expecting_divider_candidate(), flag);
+        saifrtl_free_streams();
+        saifrtl_init_streams(100);
+    }
     saifrtl_global_reset_lex();
 }
 

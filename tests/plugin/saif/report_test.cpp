@@ -211,12 +211,13 @@ TEST_F(Report, WritesEveryBitUnderTheSimulatorsNames) {
               "(DIVIDER / )\n(TIMESCALE 1 ns)\n(DURATION 20.00)\n)\n");
 }
 
-// Enters an object of a forward file read for /tb/dut.
-void map(const std::string &first, const std::string &second, int32_t kind) {
+// Enters an object of a forward file read for a testbench path.
+void map(const std::string &first, const std::string &second, int32_t kind,
+         const char *testbench = "/tb/dut") {
     if (mfli_rtl_table == nullptr) {
         mfli_rtl_table = st_alloc_abo(st_strcmp, st_strhash);
     }
-    st_table *objects = get_rtl_hash(mfli_rtl_table, "/tb/dut");
+    st_table *objects = get_rtl_hash(mfli_rtl_table, testbench);
     RtlObject *object = mfli_create_rtl_object();
     object->second_full_name = string_alloc(second.c_str());
     object->kind = kind;
@@ -232,12 +233,16 @@ TEST_F(Report, WritesMappedBitsUnderTheirRtlNames) {
     sim.signal("/tb/dut/u1/q", sim.types.array(sim.types.std_logic(), 1, 0));
     sim.signal("/tb/dut/clk", sim.types.std_logic(), wf::Mode::in);
     sim.signal("/tb/dut/bus", sim.types.std_logic());
+    sim.signal("/tb/dut/rst", sim.types.std_logic());
     map("top/u1/q[0]", "top/u1/q_reg[0]/Q", RTL_SEQUENTIAL);
     map("top/u1/q[0]", "top/u1/q[0]", RTL_ORDINARY);
+    map("top/bus", "top/u1/tri/by", RTL_ORDINARY);  // an instance first, then a virtual one
     map("top/bus", "top/u1/tri/Z", RTL_TRI_STATE);
-    map("top/bus", "top/u1/tri/again", RTL_SEQUENTIAL);  // stays what it was
-    map("top/bus", "top/u1/other/Z", 7);                 // no such kind: not written
-    map("top/bus", "to", RTL_ORDINARY);                  // no name behind the instance's
+    map("top/bus", "top/u1/tri/again", RTL_SEQUENTIAL);       // stays what it was
+    map("top/bus", "top/u1/other/Z", 7);                      // no such kind: not written
+    map("top/bus", "to", RTL_ORDINARY);                       // no name behind the instance's
+    map("top/dut/bus", "top/dut/late", RTL_ORDINARY, "/tb");  // the first testbench's objects win
+    map("top/tb/dut/rst", "top/tb/dut/clear", RTL_ORDINARY, "");
     mfli_set_read_rtl_status();
     sim.command("set_net_monitoring_policy on /tb/dut");
     record("/tb/dut", [this] {
@@ -249,6 +254,7 @@ TEST_F(Report, WritesMappedBitsUnderTheirRtlNames) {
     const std::string expected = R"((INSTANCE tb
    (INSTANCE dut
       (PORT
+         (clear 0 0 20 0 0)
          (clk 20 0 0 0 0)
       )
       (INSTANCE u1
@@ -265,6 +271,7 @@ TEST_F(Report, WritesMappedBitsUnderTheirRtlNames) {
          )
          (VIRTUAL_INSTANCE "tri-state" tri
             (PORT
+               (by 0 20 0 0 0)
                (Z 0 20 0 0 0)
                (again 0 20 0 0 0)
             )

@@ -232,6 +232,15 @@ TEST(Writer, SaysWhenTheStreamFailed) {
     EXPECT_EQ(saifout_generate_saif(header, tree.tree, 1.0), 0);
     EXPECT_EQ(errno, ENOSPC);
     fclose(header->output);
+    // A write that failed is a failure also where all that follow succeed.
+    int writes = 0;
+    const auto fail_once = [](void *count, const char *, size_t size) -> ssize_t {
+        return (*static_cast<int *>(count))++ == 0 ? 0 : static_cast<ssize_t>(size);
+    };
+    header->output = fopencookie(&writes, "w", {nullptr, fail_once, nullptr, nullptr});
+    setvbuf(header->output, nullptr, _IONBF, 0);
+    EXPECT_EQ(saifout_generate_saif(header, tree.tree, 1.0), 0);
+    fclose(header->output);
     saif_free_header_struct(header);
 }
 

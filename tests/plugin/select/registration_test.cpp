@@ -8,6 +8,8 @@
 
 #include <cstring>
 
+using ::testing::Contains;
+using ::testing::ContainsRegex;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
@@ -134,6 +136,15 @@ TEST_F(Recorder, TracesRegistration) {
                 ElementsAre("Registering signals in region /top", "Registering = /top/b; ARRAY",
                             "Registered signal /top/b(0)", "Registering = /top/r; RECORD",
                             "Registering = /top/r.f; Scalar/Enum", "Registered signal /top/r.f"));
+    sim.signal("/top/s", logic);
+    sim.session().trace_to_console();
+    mfli_register_net(sim.handle("/top/s"), "/top/s", 0);
+    const Lines calls = sim.lines();
+    for (const char *call : {"mti_CreateProcess\\(klva_track_toggles,",
+                             "WithPriority\\(klva_count_toggles, .*, 2\\)"}) {
+        EXPECT_THAT(calls, Contains(ContainsRegex(call)));
+    }
+    EXPECT_THAT(calls, Contains(ContainsRegex("mti_Sensitize\\(.*, /top/s, 1\\)")).Times(2));
 }
 
 // --- objects of forward files ---
@@ -151,6 +162,7 @@ class RtlObjects : public Recorder {
         sim.signal("/tb/u1/count", sim.types.integer("n", 0, 15));
         sim.signal("/tb/u1/mem", sim.types.array(sim.types.array(logic, 1, 0), 0, 1));
         sim.signal("/tb/u2/q", logic);
+        sim.signal("/tb/u1/u1", logic);
         mfli_rtl_table = st_alloc_abo(st_strcmp, st_strhash);
     }
     ~RtlObjects() override { mfli_free_rtl_table(); }
@@ -180,16 +192,16 @@ std::string no_element(const std::string &name) {
 
 TEST_F(RtlObjects, AreFoundByTheirPathsInScope) {
     for (const char *key :
-         {"top/u1/q", "top/u1/bus[2]", "top/u1/mem[1][0]", "top/u1/count[3]", "top/u1/count[0]",
-          "top/u2/q", "top/u1/lost", "top/u1/lost[1]", "top/u1/bus[9]"}) {
+         {"top/u1/q", "top/u1/u1", "top/u1/bus[2]", "top/u1/mem[1][0]", "top/u1/count[3]",
+          "top/u1/count[0]", "top/u2/q", "top/u1/lost", "top/u1/lost[1]", "top/u1/bus[9]"}) {
         object("/tb", key);
     }
     EXPECT_THAT(registered_in({"/tb/u1"}),
                 ElementsAre("Warning (KLVA-PWR): Signal /tb/u2/q not in scope, skipping",
                             skipped("/tb/u1/lost"), skipped("/tb/u1/lost"),
                             no_element("/tb/u1/bus(9)"), skipped("/tb/u1/bus(9)")));
-    EXPECT_THAT(watched(), ElementsAre("/tb/u1/q 0/1", "/tb/u1/bus(2) 0/1", "/tb/u1/mem(1)(0) 0/1",
-                                       "/tb/u1/count 2/4"));
+    EXPECT_THAT(watched(), ElementsAre("/tb/u1/q 0/1", "/tb/u1/u1 0/1", "/tb/u1/bus(2) 0/1",
+                                       "/tb/u1/mem(1)(0) 0/1", "/tb/u1/count 2/4"));
 }
 
 TEST_F(RtlObjects, OfSeveralTestbenchesAreRegisteredInTurn) {
