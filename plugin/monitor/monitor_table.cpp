@@ -102,6 +102,11 @@ static bool holds_text(list *texts, const char *text) {
     return false;
 }
 
+void mfli_tell_unrecorded(const char *name) {
+    mfli_message("Error (KLVA-PWR): Could not allocate the record of signal %s",
+                 name == nullptr ? "of unknown name" : name);
+}
+
 void mfli_add_name_to_monitor(const char *name, MonitorElement *element) {
     if (strcmp(name, mfli_element_name(element)) == 0) {
         return;
@@ -116,7 +121,12 @@ void mfli_add_name_to_monitor(const char *name, MonitorElement *element) {
     } else if (holds_text(names, name)) {
         return;
     }
-    list_append(names, mfli_strdup(name));
+    char *copy = mfli_strdup(name);
+    if (copy == nullptr) {
+        mfli_tell_unrecorded(name);
+        return;
+    }
+    list_append(names, copy);
 }
 
 void mfli_visit_monitor_table(void (*visit)(MonitorElement *element, void *context),

@@ -106,7 +106,12 @@ void mfli_read_activity(const BitActivity *bit, saif_switching_attribute *record
 // Puts a bit back to where it began: nothing counted, MFLI_STATE_X.
 void mfli_reset_bit(BitActivity *bit);
 
-// Records a further name of the element; one that it already has changes nothing.
+// Says that memory has run out for a signal, which will be missing in reports under that name; the
+// name is null when even that could not be had.
+void mfli_tell_unrecorded(const char *name);
+
+// Records a further name of the element; one that it already has changes nothing. Says so when
+// memory has run out.
 void mfli_add_name_to_monitor(const char *name, MonitorElement *element);
 
 // Releases all elements and the table, if there is one, and sets mfli_monitor_table to null.

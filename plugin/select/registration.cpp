@@ -54,6 +54,10 @@ static void create_processes(mtiSignalIdT signal, MonitorElement *element) {
 }
 
 void register_single_net(mtiSignalIdT signal, const char *name) {
+    if (name == nullptr) {
+        mfli_tell_unrecorded(name);
+        return;
+    }
     void *known = nullptr;
     if (st_lookup_kptr_vptr(mfli_monitor_table, signal, &known)) {
         mfli_add_name_to_monitor(name, static_cast<MonitorElement *>(known));
@@ -61,7 +65,7 @@ void register_single_net(mtiSignalIdT signal, const char *name) {
     }
     MonitorElement *element = mfli_init_monitor_element(signal, name);
     if (element == nullptr) {
-        mfli_message("Error (KLVA-PWR): Unable to register %s", name);
+        mfli_tell_unrecorded(name);
         return;
     }
     st_insert_kptr_vptr(mfli_monitor_table, signal, element);
@@ -124,6 +128,10 @@ struct Alias {
 };
 
 static Alias resolve_alias(char *name) {
+    if (name == nullptr) {
+        mfli_tell_unrecorded(name);
+        return {nullptr, nullptr};
+    }
     const mtiSignalIdT signal = mti_FindSignal(name);
     return {name, signal != nullptr && is_scalar_kind(kind_of(signal)) ? signal : nullptr};
 }
@@ -158,6 +166,9 @@ static void register_array_element(mtiSignalIdT element, mtiRegionIdT region,
                                    const char *array_name, int32_t position) {
     char *name = mfli_get_signal_full_name_indirect(element, region);
     register_single_net(element, name);
+    if (name == nullptr) {
+        return;
+    }
     const int suffix = mfli_last_substring_position(name, "(");
     // The comparison stops one character short of the whole base name: names that differ in the
     // base's last character alone count as one path.
@@ -184,6 +195,10 @@ static void refuse_array(mtiSignalIdT signal, mtiRegionIdT region) {
 static void register_scalar_elements(mtiSignalIdT signal, mtiRegionIdT region,
                                      const mtiSignalIdT *elements, int32_t count) {
     char *array_name = mfli_get_signal_full_name(signal);
+    if (array_name == nullptr) {
+        mfli_tell_unrecorded(array_name);
+        return;
+    }
     for (int32_t i = 0; i < count; ++i) {
         register_array_element(elements[i], region, array_name, i);
     }

@@ -67,6 +67,10 @@ static bool is_in_scope(const char *name, st_table *scope_list) {
 static void register_rtl_object(const char *add_path, const char *key, st_table *scope_list) {
     char *name =
         mfli_add_path_to_name(key + strnlen(key, key_prefix_length), add_path, /*separator=*/0);
+    if (name == nullptr) {
+        mfli_tell_unrecorded(key);
+        return;
+    }
     mfli_convert_squareb_to_paren(name);
     mtiSignalIdT signal = mfli_find_signal(name);
     if (signal == nullptr) {

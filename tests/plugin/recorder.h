@@ -21,6 +21,10 @@
 
 using Lines = std::vector<std::string>;
 
+// How many calls of strdup, realloc and aligned_alloc are granted before one is refused; negative:
+// all are.
+inline int granted_allocations = -1;
+
 // One text for each watched signal in table order: "name(=alias...) code/width".
 inline Lines watched() {
     Lines lines;

@@ -10,6 +10,7 @@
 #include "plugin/core/entry.h"
 #include "plugin/select/registration.h"
 #include "plugin/support/run_state.h"
+#include "tests/plugin/recorder.h"
 #include "tests/support/memory_design.h"
 #include "tests/support/scratch.h"
 
@@ -25,6 +26,10 @@
 namespace {
 uint64_t allocations;
 int64_t live;  // blocks that are allocated now
+
+bool is_refused() {
+    return granted_allocations-- == 0;
+}
 }  // namespace
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the linker makes these names.
@@ -48,14 +53,23 @@ void *__wrap_calloc(size_t count, size_t bytes) {
 }
 void *__wrap_realloc(void *block, size_t bytes) {
     ++allocations;
+    if (is_refused()) {
+        return nullptr;
+    }
     live += block == nullptr ? 1 : 0;
     return __real_realloc(block, bytes);
 }
 void *__wrap_aligned_alloc(size_t alignment, size_t bytes) {
+    if (is_refused()) {
+        return nullptr;
+    }
     ++live;
     return __real_aligned_alloc(alignment, bytes);
 }
 char *__wrap_strdup(const char *text) {
+    if (is_refused()) {
+        return nullptr;
+    }
     ++live;
     return __real_strdup(text);
 }

@@ -53,6 +53,29 @@ TEST_F(Recorder, RegistersEveryScalarOfARegion) {
     EXPECT_EQ(sim.kernel().process_count(), 2 * expected.size());
 }
 
+// Whichever allocation fails: what is missing is told, and not as a type that cannot be counted.
+TEST_F(Recorder, TellsWhatMemoryRanOutFor) {
+    const Type *logic = sim.types.std_logic();
+    sim.signal("/top/clk", logic);
+    sim.signal("/top/bus", sim.types.array(logic, 1, 0));
+    sim.signal("/top/rec", sim.types.record("rec", {{"a", logic}}));
+    ASSERT_THAT(watch("/top"), IsEmpty());
+    const Lines all = watched();
+    int refused = 0;
+    for (granted_allocations = -1; granted_allocations < 0; ++refused) {
+        mfli_free_monitor_table();
+        mfli_init_monitor_table();
+        granted_allocations = refused;
+        register_region(sim.region_handle("/top"));
+        const Lines told = sim.lines();
+        EXPECT_EQ(told.empty(), watched() == all) << refused;
+        EXPECT_THAT(told, testing::Each(testing::StartsWith(
+                              "Error (KLVA-PWR): Could not allocate the record of signal ")));
+    }
+    granted_allocations = -1;
+    EXPECT_GT(refused, 10);
+}
+
 TEST_F(Recorder, WatchesOneHandleOnceUnderAllItsNames) {
     const Type *logic = sim.types.std_logic();
     sim.signal("/top/net", logic);
