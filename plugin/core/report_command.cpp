@@ -10,6 +10,7 @@
 #include "plugin/saif/report.h"
 #include "plugin/saif/report_file.h"
 #include "plugin/saif/time_units.h"
+#include "plugin/support/c_numbers.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"
@@ -30,6 +31,7 @@ static int read_file_name(const char *argument, char **file_name) {
 }
 
 static int read_unit(const char *argument, double *unit_exponent) {
+    const mfli_c_numbers with_a_point;
     const double unit = strtod(argument, nullptr);
     if (unit == 0.0) {
         mfli_message("Error (KLVA-PWR): Could not interpret argument %s as number", argument);

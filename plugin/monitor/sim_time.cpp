@@ -36,8 +36,9 @@ mtiTime64T *mfli_diff_time64(const mtiTime64T *a, const mtiTime64T *b) {
 }
 
 double mfli_convert_time(const mtiTime64T *time) {
+    // The simulator's header may have the low word signed.
     return static_cast<double>(MTI_TIME64_HI32(*time)) * pow(2.0, 32.0) +
-           static_cast<double>(MTI_TIME64_LO32(*time));
+           static_cast<double>(static_cast<uint32_t>(MTI_TIME64_LO32(*time)));
 }
 
 double mfli_time_in_prev_state(const mtiTime64T *last) {

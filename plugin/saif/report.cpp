@@ -8,6 +8,7 @@
 #include "plugin/saif/report_tree.h"
 #include "plugin/saif/time_units.h"
 #include "plugin/saif/writer.h"
+#include "plugin/support/c_numbers.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
 
@@ -77,6 +78,7 @@ static int write_tree(FILE *stream, double unit_exponent, SaifTree *tree) {
 }
 
 int saif_process(FILE *stream, double unit_exponent, const char *instance) {
+    const mfli_c_numbers with_a_point;
     SaifTree *tree = create_tree();
     int cause = ENOMEM;
     int written = 0;

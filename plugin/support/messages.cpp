@@ -2,6 +2,8 @@
 // Messages to the simulator's transcript.
 #include "plugin/support/messages.h"
 
+#include "plugin/support/c_numbers.h"
+
 #include <mti.h>
 
 #include <cstdarg>
@@ -11,6 +13,7 @@ char mfli_msg_buf[1024];
 int32_t mfli_debug_level = 0;
 
 void mfli_message(const char *format, ...) {
+    const mfli_c_numbers with_a_point;
     va_list arguments;
     va_start(arguments, format);
     // The analyser loses sight of a list that has been started, when it reads several files.

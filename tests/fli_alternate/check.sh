@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Builds the plug-in and the replaying host against the second set of interface headers and compares
 # what they tell and report with the plain build's, for every type that a GHW file can hold and
-# over times of more than 32 bits: check.sh PLAIN_BUILD_FOLDER
+# over times whose low word has its highest bit set: check.sh PLAIN_BUILD_FOLDER
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 plain=$1
@@ -25,7 +25,7 @@ record() {
 
 folder=$(mktemp -d)
 trap 'rm -r "$folder"' EXIT
-sed 's/^#[1-9].*/&00000000/' "$here/../system/golden/small.vcd" >"$folder/long.vcd"
+sed 's/^#[1-9].*/&000000000/' "$here/../system/golden/small.vcd" >"$folder/long.vcd"
 for waveform in "$here/../data/kinds.ghw" "$folder/long.vcd"; do
     record "$plain" "$waveform" >"$folder/plain"
     grep -q 'INVALID_TYPE' "$folder/plain"

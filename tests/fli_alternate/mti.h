@@ -1,7 +1,7 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /* A second set of interface headers, for a test: the same functions and names as fli/mti.h, but
- * other numbers, untyped handles and a time that is a union of two words. What is built against
- * these and works shows that it leans on the names alone. */
+ * other numbers, untyped handles and a time that is a union of two words, both signed. What is
+ * built against these and works shows that it leans on the names alone. */
 #ifndef ALTERNATE_MTI_H
 #define ALTERNATE_MTI_H
 
@@ -20,17 +20,17 @@ typedef void (*mtiVoidFuncPtrT)(void *);
 
 typedef union {
     struct {
-        mtiUInt32T lo;
+        mtiInt32T lo;
         mtiInt32T hi;
     } s;
     double align;
 } mtiTime64T;
 
-#define MTI_TIME64_INIT(h, l)               \
-    {                                       \
-        { (mtiUInt32T)(l), (mtiInt32T)(h) } \
+#define MTI_TIME64_INIT(h, l)              \
+    {                                      \
+        { (mtiInt32T)(l), (mtiInt32T)(h) } \
     }
-#define MTI_TIME64_ASGN(t, h, l) ((t).s.lo = (mtiUInt32T)(l), (t).s.hi = (mtiInt32T)(h))
+#define MTI_TIME64_ASGN(t, h, l) ((t).s.lo = (mtiInt32T)(l), (t).s.hi = (mtiInt32T)(h))
 #define MTI_TIME64_HI32(t) ((t).s.hi)
 #define MTI_TIME64_LO32(t) ((t).s.lo)
 
