@@ -11,12 +11,22 @@ namespace wf {
 
 namespace {
 
-constexpr std::align_val_t cache_line{64};
+constexpr size_t cache_line = 64;
+
+// Memory at the start of a cache line, with what is to be given back just before it: inside another
+// simulator the process's allocator need not have a function for aligned memory.
+void *allocate_aligned(size_t size) {
+    auto *memory = static_cast<char *>(::operator new(size + cache_line + sizeof(void *)));
+    char *start = memory + sizeof(void *);
+    start += (cache_line - reinterpret_cast<uintptr_t>(start) % cache_line) % cache_line;
+    reinterpret_cast<void **>(start)[-1] = memory;
+    return start;
+}
 
 }  // namespace
 
 void Kernel::BlockFree::operator()(Block *block) const {
-    ::operator delete(block, cache_line);
+    ::operator delete(reinterpret_cast<void **>(block)[-1]);
 }
 
 void Kernel::HeapFree::operator()(void *memory) const {
@@ -70,7 +80,7 @@ Process *Kernel::create_process(std::string_view name, ProcessFunction function,
         return nullptr;
     }
     if ((next_process_ >> block_bits) == blocks_.size()) {
-        void *block = ::operator new(sizeof(Block), cache_line);
+        void *block = allocate_aligned(sizeof(Block));
         blocks_.emplace_back(static_cast<Block *>(block));
     }
     immediate_count_ += priority == Priority::immediate ? 1 : 0;

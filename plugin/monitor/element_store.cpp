@@ -21,11 +21,11 @@ struct NameBlock {
 };
 
 struct ElementSpace {
-    MfliChunkFront *chunk;  // the one that is being filled
-    size_t line;            // its first line not yet taken
-    size_t spare_chunks;    // behind it in its block
-    void *blocks;           // all that were taken, the newest first
-    size_t taken;           // bytes
+    MfliChunkFront *chunk;   // the one that is being filled
+    size_t line;             // its first line not yet taken
+    size_t spare_chunks;     // behind it in its block
+    MfliChunkFront *blocks;  // the first chunks of all that were taken, the newest first
+    size_t taken;            // bytes
 };
 
 // How a name is stored: the number of its path, then, without a gap, its leaf and a NUL.
@@ -52,22 +52,40 @@ static ElementSpace elements;
 static NameSpace names;
 static size_t live_elements;
 
+// `size` zeroed bytes, aligned to their number, or null. Not from the process's allocator: that is
+// the simulator's, and need not have a function for aligned memory, nor pages of the large size.
+static char *map_aligned(size_t size) {
+    void *mapped =
+        mmap(nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED) {
+        return nullptr;
+    }
+    char *start = static_cast<char *>(mapped);
+    const size_t before = (size - reinterpret_cast<uintptr_t>(start) % size) % size;
+    if (before > 0) {
+        munmap(start, before);
+    }
+    munmap(start + before + size, size - before);
+    return start + before;
+}
+
 // A large table in pages of the usual size has more of them than the processor's translation
 // buffers hold, and every changed element would wait for a page walk first. A table that has
 // outgrown small blocks therefore goes on in pages of the large size where the system has such.
 static bool add_block() {
     const bool is_huge = elements.taken >= 2 * HUGE_PAGE;
     const size_t size = is_huge ? HUGE_PAGE : MFLI_CHUNK;
-    void *memory = aligned_alloc(size, size);
+    char *memory = map_aligned(size);
     if (memory == nullptr) {
         return false;
     }
     if (is_huge) {
         madvise(memory, size, MADV_HUGEPAGE);
     }
-    elements.chunk = static_cast<MfliChunkFront *>(memory);
+    elements.chunk = reinterpret_cast<MfliChunkFront *>(memory);
     elements.chunk->next_block = elements.blocks;
-    elements.blocks = memory;
+    elements.chunk->block_size = size;
+    elements.blocks = elements.chunk;
     elements.spare_chunks = size / MFLI_CHUNK - 1;
     elements.taken += size;
     return true;
@@ -187,9 +205,9 @@ const char *mfli_stored_name(const void *element) {
 
 static void release_all() {
     while (elements.blocks != nullptr) {
-        void *block = elements.blocks;
-        elements.blocks = static_cast<MfliChunkFront *>(block)->next_block;
-        free(block);
+        MfliChunkFront *block = elements.blocks;
+        elements.blocks = block->next_block;
+        munmap(block, block->block_size);
     }
     while (names.blocks != nullptr) {
         NameBlock *block = names.blocks;

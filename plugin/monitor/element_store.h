@@ -22,7 +22,9 @@ struct MfliChunkFront {
 
     uint8_t dirty[MFLI_CHUNK_LINES];
     char *names[MFLI_CHUNK_LINES - LINES];  // StoredName each; see element_store.cpp
-    void *next_block;  // the block of memory that was taken before; in a block's first chunk only
+    // In the first chunk of a block of memory only:
+    MfliChunkFront *next_block;  // the block that was taken before
+    size_t block_size;           // bytes
 };
 static_assert(sizeof(MfliChunkFront) <= MfliChunkFront::LINES * MFLI_LINE);
 
