@@ -11,7 +11,7 @@
 #include "plugin/select/registration.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
-#include "tests/support/memory_design.h"
+#include "tests/plugin/strict_simulator.h"
 
 #include <gmock/gmock.h>
 
@@ -102,5 +102,5 @@ class Recorder : public ::testing::Test {
         return static_cast<MonitorElement *>(element);
     }
 
-    wf::test::MemorySimulator sim;
+    wf::test::StrictSimulator sim;
 };

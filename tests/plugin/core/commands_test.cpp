@@ -42,7 +42,7 @@ class Commands : public ::testing::Test {
         }
     }
 
-    wf::test::MemorySimulator sim;
+    wf::test::StrictSimulator sim;
     Lines start_up;
 };
 

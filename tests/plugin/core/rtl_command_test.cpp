@@ -67,7 +67,7 @@ class ReadRtlSaif : public ::testing::Test {
         return lines;
     }
 
-    wf::test::MemorySimulator sim;
+    wf::test::StrictSimulator sim;
     int files_written = 0;
 };
 

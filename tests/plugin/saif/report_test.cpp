@@ -13,7 +13,7 @@
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"
 #include "tests/plugin/report_text.h"
-#include "tests/support/memory_design.h"
+#include "tests/plugin/strict_simulator.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -39,7 +39,7 @@ namespace {
 
 // A plug-in in a picosecond simulator, and a folder of its own for files.
 struct Report : testing::Test {
-    wf::test::MemorySimulator sim{-12};
+    wf::test::StrictSimulator sim{-12};
     std::filesystem::path folder =
         std::filesystem::temp_directory_path() / ("wattforge_report_" + std::to_string(getpid()));
     std::string file = (folder / "out.saif").string();

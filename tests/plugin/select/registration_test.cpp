@@ -97,8 +97,9 @@ TEST_F(Recorder, WatchesOneHandleOnceUnderAllItsNames) {
 }
 
 TEST_F(Recorder, SaysLittleOfASignalWithoutAType) {
-    mfli_register_net(nullptr, "/top/s", 0);
-    EXPECT_EQ(sim.lines().back(), "mfli_msg_buf");
+    sim.signal("/top/s", sim.types.bit());
+    sim.answers.without_type = {"/top/s"};
+    EXPECT_THAT(watch("/top"), ElementsAre("mfli_msg_buf"));
     EXPECT_STREQ(mfli_msg_buf,
                  "Warning (KLVA-PWR): could not determine type for signal /top/s, skipping");
     EXPECT_THAT(watched(), IsEmpty());

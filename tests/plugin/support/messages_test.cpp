@@ -6,14 +6,14 @@
 
 #include <string>
 
-#include "tests/support/memory_design.h"
+#include "tests/plugin/strict_simulator.h"
 
 namespace {
 
 using testing::ElementsAre;
 
 TEST(Messages, ReachTheTranscriptWhole) {
-    wf::test::MemorySimulator sim;
+    wf::test::StrictSimulator sim;
     mfli_print("level %d", -3);
     mfli_print("100%% done", 0);
     mfli_message("%s: %s", "a", "b%d");
