@@ -15,6 +15,8 @@
 #include "tests/support/scratch.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/types.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -25,7 +27,7 @@
 
 namespace {
 uint64_t allocations;
-int64_t live;  // blocks that are allocated now
+int64_t live;  // blocks that are allocated now, and bytes that are mapped
 
 bool is_refused() {
     return granted_allocations-- == 0;
@@ -37,7 +39,8 @@ extern "C" {
 void *__real_malloc(size_t bytes);
 void *__real_calloc(size_t count, size_t bytes);
 void *__real_realloc(void *block, size_t bytes);
-void *__real_aligned_alloc(size_t alignment, size_t bytes);
+void *__real_mmap(void *where, size_t bytes, int access, int flags, int file, off_t offset);
+int __real_munmap(void *where, size_t bytes);
 char *__real_strdup(const char *text);
 void __real_free(void *block);
 
@@ -59,12 +62,16 @@ void *__wrap_realloc(void *block, size_t bytes) {
     live += block == nullptr ? 1 : 0;
     return __real_realloc(block, bytes);
 }
-void *__wrap_aligned_alloc(size_t alignment, size_t bytes) {
+void *__wrap_mmap(void *where, size_t bytes, int access, int flags, int file, off_t offset) {
     if (is_refused()) {
-        return nullptr;
+        return MAP_FAILED;
     }
-    ++live;
-    return __real_aligned_alloc(alignment, bytes);
+    live += static_cast<int64_t>(bytes);
+    return __real_mmap(where, bytes, access, flags, file, offset);
+}
+int __wrap_munmap(void *where, size_t bytes) {
+    live -= static_cast<int64_t>(bytes);
+    return __real_munmap(where, bytes);
 }
 char *__wrap_strdup(const char *text) {
     if (is_refused()) {
