@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
 # Simulates the sensor bus with Icarus Verilog, records the objects of its forward file, shows what
-# was recorded and has every object recounted by a script of its own. ./run demo rtl starts this with
-# the programs built, WATTFORGE_BUILD set to the build folder (or given as the argument) and the
-# output folder as the current one.
+# was recorded and compares the report with the expected one. ./run demo rtl starts this with the
+# programs built, WATTFORGE_BUILD set to the build folder (or given as the argument) and the output
+# folder as the current one.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 build=${1:-$WATTFORGE_BUILD}
@@ -13,5 +13,5 @@ vvp -n sensor_bus.vvp +vcd
 cp "$here/sensor_bus.fsaif" .
 "$build/bin/wfsim" sensor_bus.vcd -do "$here/run.tcl"
 python3 "$here/../../tools/saif_summary.py" sensor_bus.saif
-python3 "$here/../../tests/system/compare_rtl.py" sensor_bus.saif --vcd sensor_bus.vcd \
-    --forward sensor_bus.fsaif --testbench /tb/dut --on /tb/dut/u_arbiter --window 25ns 525ns
+sed 's/^(DATE .*/(DATE)/' sensor_bus.saif | diff "$here/expected.saif" -
+echo "The report is the expected one."

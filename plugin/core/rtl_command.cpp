@@ -8,6 +8,7 @@
 #include "plugin/rtlsaif/rtl_table.h"
 #include "plugin/support/counted_string.h"
 #include "plugin/support/hash_table.h"
+#include "plugin/support/linked_list.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"

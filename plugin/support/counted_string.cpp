@@ -103,16 +103,6 @@ const char *string_to_char(const dstring *s) {
     return s == nullptr ? "" : reinterpret_cast<const char *>(s + 1);
 }
 
-char *string_to_char_copy(const dstring *s) {
-    return strdup(string_to_char(s));
-}
-
-char string_fetch(const dstring *s, int32_t index) {
-    const auto length = static_cast<int64_t>(string_len(s));
-    const int64_t position = index < 0 ? index + length : index;
-    return position < 0 || position >= length ? '\0' : string_to_char(s)[position];
-}
-
 // Appends characters, which may be the value's own.
 static void append(dstring **dst, const char *characters, uint32_t length) {
     const char *before = string_to_char(*dst);
@@ -165,18 +155,4 @@ dstring *string_substr_len(const dstring *s, int32_t start, int32_t count) {
 
 dstring *string_substr(const dstring *s, int32_t start, int32_t end) {
     return string_substr_len(s, start, end - start + 1);
-}
-
-list *string_split(const dstring *s, const char *separators) {
-    list *parts = list_alloc();
-    const char *text = string_to_char(s);
-    for (;;) {
-        const size_t length = strcspn(text, separators);
-        list_append(parts,
-                    copied(text, static_cast<uint32_t>(length), static_cast<uint32_t>(length)));
-        if (text[length] == '\0') {
-            return parts;
-        }
-        text += length + 1;
-    }
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // dstring: a growable text with a stored length that can be shared by interning. Rests on the hash
-// table (the sharing table) and the linked list (string_split).
+// table (the sharing table).
 //
 // A null dstring is valid everywhere and is the empty text. A value is private (refcnt 0: one
 // owner) or shared (interned, with refcnt owners); every owner calls string_free once. Whatever
@@ -11,9 +11,6 @@
 
 #include <cstdarg>
 #include <cstdint>
-#include <cstdio>
-
-#include "plugin/support/linked_list.h"
 
 // The head of a value's block; max_len characters and a NUL follow it.
 struct dstring {
@@ -34,12 +31,9 @@ dstring *string_alloc(const char *text);
 dstring *string_dup(dstring *s);
 void string_free(dstring *s);
 
-// Length; the characters in place; a malloc'd copy of them; character `index` (negative: from the
-// end), or NUL when there is none.
+// Length; the characters in place.
 uint32_t string_len(const dstring *s);
 const char *string_to_char(const dstring *s);
-char *string_to_char_copy(const dstring *s);
-char string_fetch(const dstring *s, int32_t index);
 
 // Append a value, a text (null: nothing happens), a character.
 void string_concat(dstring **dst, const dstring *s);
@@ -56,20 +50,8 @@ void string_copy_char(dstring **dst, const char *text);
 dstring *string_substr_len(const dstring *s, int32_t start, int32_t count);
 dstring *string_substr(const dstring *s, int32_t start, int32_t end);
 
-// The parts between separating characters, as a list of new private values: n separators give n + 1
-// parts, empty ones included. Each part is the caller's.
-list *string_split(const dstring *s, const char *separators);
-
-// Position of the first or last such character, or -1.
-int32_t string_strchr(const dstring *s, char c);
-int32_t string_strrchr(const dstring *s, char c);
-
-void string_toupper(dstring **s);
-void string_tolower(dstring **s);
-
-// By bytes; by bytes with runs of digits compared as numbers; against a text.
+// By bytes; against a text.
 int string_compare(const dstring *a, const dstring *b);
-int string_compare_int(const dstring *a, const dstring *b);
 int string_compare_char(const dstring *s, const char *text);
 uint32_t string_hash(const dstring *s);
 
@@ -89,14 +71,6 @@ void string_sprintf_concat(dstring **dst, const char *format, ...)
 // again, several owners go on sharing it, but no more join.
 void string_memorize(dstring **s);
 void string_unmemorize(dstring *s);
-
-// Lines. string_fgets returns the next line with its newline, string_gets that of standard input
-// without it, null at the end of input. string_fputs and string_puts (adds a newline) return a
-// negative number when the write failed.
-dstring *string_fgets(FILE *stream);
-dstring *string_gets();
-int string_fputs(const dstring *s, FILE *stream);
-int string_puts(const dstring *s);
 
 // Diagnostic output to standard output: the sharing table, the text, the record.
 void string_memo_info();

@@ -2,6 +2,7 @@
 // The sharing table of counted strings, which holds the interned values while they have owners.
 #include "plugin/support/counted_string.h"
 
+#include <cstdio>
 #include <cstdlib>
 
 #include "plugin/support/counted_string_block.h"

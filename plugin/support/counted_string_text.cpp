@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-// Counted strings: comparing, searching, changing case, formatting, lines, diagnostic output.
+// Counted strings: comparing, formatting, diagnostic output.
 #include "plugin/support/counted_string.h"
 
-#include <cstdlib>
+#include <cstdio>
 #include <cstring>
 
 #include "plugin/support/counted_string_block.h"
 #include "plugin/support/hash_functions.h"
-#include "plugin/support/utilities.h"
 
 int32_t string_debug_threshold = 64;
 
 int string_compare(const dstring *a, const dstring *b) {
     return strcmp(string_to_char(a), string_to_char(b));
-}
-
-int string_compare_int(const dstring *a, const dstring *b) {
-    return util_strcmp_int(string_to_char(a), string_to_char(b));
 }
 
 int string_compare_char(const dstring *s, const char *text) {
@@ -25,36 +20,6 @@ int string_compare_char(const dstring *s, const char *text) {
 
 uint32_t string_hash(const dstring *s) {
     return st_strhash(string_to_char(s));
-}
-
-static int32_t position_of(const dstring *s, const char *found) {
-    return found == nullptr ? -1 : static_cast<int32_t>(found - string_to_char(s));
-}
-
-int32_t string_strchr(const dstring *s, char c) {
-    return position_of(s, strchr(string_to_char(s), c));
-}
-
-int32_t string_strrchr(const dstring *s, char c) {
-    return position_of(s, strrchr(string_to_char(s), c));
-}
-
-// Moves every character between `first` and `last` by `distance`.
-static void shift_letters(dstring **s, char first, char last, int distance) {
-    string_make_room(s, string_len(*s));
-    for (char *c = string_characters(*s); *c != '\0'; ++c) {
-        if (*c >= first && *c <= last) {
-            *c = static_cast<char>(*c + distance);
-        }
-    }
-}
-
-void string_toupper(dstring **s) {
-    shift_letters(s, 'a', 'z', 'A' - 'a');
-}
-
-void string_tolower(dstring **s) {
-    shift_letters(s, 'A', 'Z', 'a' - 'A');
 }
 
 dstring *string_vsprintf(const char *format, va_list arguments) {
@@ -90,35 +55,8 @@ void string_sprintf_concat(dstring **dst, const char *format, ...) {
     string_free(appended);
 }
 
-dstring *string_fgets(FILE *stream) {
-    char *line = nullptr;
-    size_t capacity = 0;
-    dstring *s = nullptr;
-    if (getline(&line, &capacity, stream) >= 0) {
-        s = string_alloc(line);
-    }
-    free(line);
-    return s;
-}
-
-dstring *string_gets() {
-    dstring *line = string_fgets(stdin);
-    if (line != nullptr && string_fetch(line, -1) == '\n') {
-        string_characters(line)[--line->len] = '\0';
-    }
-    return line;
-}
-
-int string_fputs(const dstring *s, FILE *stream) {
-    return fputs(string_to_char(s), stream);
-}
-
-int string_puts(const dstring *s) {
-    return puts(string_to_char(s));
-}
-
 void string_print(const dstring *s) {
-    string_fputs(s, stdout);
+    fputs(string_to_char(s), stdout);
 }
 
 void string_debug(const dstring *s) {

@@ -83,13 +83,18 @@ def read_table():
 class Scratch:
     """A copy of the tree with its build, in which one fault at a time is planted."""
 
-    def __init__(self, number, sides):
-        self.tree = WORK / str(number) / "tree"
-        self.build = WORK / str(number) / "build"
+    def __init__(self, number):
+        # The build stands to the sources as build/plain does, so that the compiler cache knows it.
+        self.tree = WORK / str(number)
+        self.build = self.tree / "build" / "plain"
+        self.environment = os.environ | {"WATTFORGE_BUILD": str(self.build), "PLANTED": "-",
+                                         "MALLOC_PERTURB_": "165", "PYTHONDONTWRITEBYTECODE": "1"}
         self.copy_tree()
-        launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
+
+    def make(self, sides):
         self.must("cmake", "-G", "Ninja", "-S", self.tree, "-B", self.build, "-DWATTFORGE_BENCH=OFF",
-                  "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_FLAGS=-O0 -w -fuse-ld=gold", *launcher,
+                  f"-DCMAKE_CXX_COMPILER_LAUNCHER={ROOT}/tests/planted/compile.sh",
+                  "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=gold -Wl,--strip-debug",
                   "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST")
         for side in sides:
             self.must("ninja", "-C", self.build, UNIT[side])
@@ -101,7 +106,8 @@ class Scratch:
         names = {name for name in listed if name and (ROOT / name).is_file()}
         if self.tree.exists():
             for old in self.tree.rglob("*"):
-                if old.is_file() and str(old.relative_to(self.tree)) not in names:
+                name = str(old.relative_to(self.tree))
+                if old.is_file() and name not in names and not name.startswith("build/"):
                     old.unlink()
         for name in names:
             target = self.tree / name
@@ -110,17 +116,15 @@ class Scratch:
                 shutil.copy(ROOT / name, target)
 
     def must(self, *command):
-        done = subprocess.run(command, text=True, capture_output=True)
+        done = subprocess.run(command, text=True, capture_output=True, env=self.environment)
         if done.returncode != 0:
             sys.exit(f"planted: {command[0]} failed:\n{done.stdout}{done.stderr}")
 
     def passes(self, command):
         """Whether the program ends well in time, and what it said."""
         limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
-        environment = os.environ | {"WATTFORGE_BUILD": str(self.build), "MALLOC_PERTURB_": "165",
-                                    "PYTHONDONTWRITEBYTECODE": "1"}
         with subprocess.Popen(command, cwd=self.build, text=True, errors="replace",
-                              env=environment, preexec_fn=limit, start_new_session=True,
+                              env=self.environment, preexec_fn=limit, start_new_session=True,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT) as process:
             try:
@@ -145,7 +149,8 @@ class Scratch:
         return None if passed else f"system.{name}"
 
     def ninja(self, *targets):
-        done = subprocess.run(["ninja", "-C", self.build, *targets], text=True, capture_output=True)
+        done = subprocess.run(["ninja", "-C", self.build, *targets], text=True, capture_output=True,
+                              env=self.environment)
         if done.returncode != 0:
             print(done.stdout[-2000:])
         return done.returncode == 0
@@ -171,17 +176,20 @@ class Scratch:
             return ""
         target = self.tree / fault.file
         target.write_text(fault.text)
+        self.environment["PLANTED"] = target.stem
         try:
             return self.first_to_notice(fault.place.split("/")[0], last_time)
         finally:
             target.write_text(fault.original)
+            self.environment["PLANTED"] = "-"
 
 
 def run(faults, jobs, verbose):
     killers = json.loads(KILLERS.read_text()) if KILLERS.exists() else {}
     idle = queue.SimpleQueue()
-    for number in range(jobs):
-        idle.put(Scratch(number, {fault.place.split("/")[0] for fault in faults}))
+    for scratch in [Scratch(number) for number in range(jobs)]:
+        scratch.make({fault.place.split("/")[0] for fault in faults})
+        idle.put(scratch)
 
     def plant(fault):
         scratch = idle.get()

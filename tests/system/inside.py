@@ -18,6 +18,16 @@ PRELOAD = os.environ.get("WATTFORGE_PRELOAD")
 SANITIZED = ["env", f"LD_PRELOAD={PRELOAD}", "ASAN_OPTIONS=detect_leaks=0:exitcode=99",
              "UBSAN_OPTIONS=exitcode=99"] if PRELOAD else []
 STILL_OPEN = "Warning: the counting window is still open at the end; it is in no report"
+MISSING = "wattforge: cannot read gone.tcl: No such file or directory"
+
+# What goes wrong alike in any simulator; name: (script or None, arguments, status, lines that begin
+# with a level).
+FAILURES_ANYWHERE = {
+    "a script that is not there": (None, ["+wf_do=gone.tcl"], 1, [MISSING]),
+    "a plug-in that is not there": (None, ["+wf_foreign=swfli_init:./nowhere.so"], 1, [
+        'wattforge: cannot load the plug-in "./nowhere.so": ./nowhere.so: cannot open shared '
+        "object file: No such file or directory"]),
+}
 
 
 class Icarus:

@@ -7,7 +7,7 @@ import shutil
 import unittest
 
 from compare_saif import Report
-from inside import DESIGNS, STILL_OPEN, Ghdl, InsideCase, levels
+from inside import DESIGNS, FAILURES_ANYWHERE, STILL_OPEN, Ghdl, InsideCase, levels
 from programs import ROOT, UART, WFSIM, must, simulate_uart
 
 VHDL_UART = ROOT / "examples" / "ghdl"
@@ -32,12 +32,6 @@ FAILURES = {
     "an error in the script": (
         OPEN + "run 10ns\nputs $nothing\n", [], 1,
         ["Error: run.tcl:4: can't read \"nothing\": no such variable", STILL_OPEN]),
-    "a script that is not there": (
-        None, ["+wf_do=gone.tcl"], 1, ["wattforge: cannot read gone.tcl: No such file or directory"]),
-    "a plug-in that is not there": (
-        None, ["+wf_foreign=swfli_init:./nowhere.so"], 1, [
-            'wattforge: cannot load the plug-in "./nowhere.so": ./nowhere.so: cannot open shared '
-            "object file: No such file or directory"]),
     "quit with a status": ("run 10ns\nquit -code 4\n", [], 4, []),
     "a script that ends early": ("run 10ns\n", [], 0, []),
 }
@@ -56,7 +50,7 @@ class Kinds(InsideCase):
                 self.assert_equal_with_replay(self.design, windows, END, ONLY_INSIDE, ONLY_DUMPED)
 
     def test_failures(self):
-        for name, (script, options, status, told) in FAILURES.items():
+        for name, (script, options, status, told) in (FAILURES_ANYWHERE | FAILURES).items():
             with self.subTest(name):
                 shown = self.simulate(self.design, script, *options, status=status)
                 self.assertEqual(levels(shown), told, shown)

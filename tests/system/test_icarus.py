@@ -6,7 +6,8 @@ run script and the system tasks, and what can go wrong."""
 import unittest
 
 from compare_saif import Report
-from inside import DESIGNS, STILL_OPEN, Icarus, InsideCase, bases, levels, script_for
+from inside import (DESIGNS, FAILURES_ANYWHERE, MISSING, STILL_OPEN, Icarus, InsideCase, bases,
+                    levels, script_for)
 from programs import UART, WFSIM, must, simulate_uart, without_date
 
 # name: (generation, end of the run in ps)
@@ -80,7 +81,6 @@ tell [now]
 """
 
 OPEN = "set_toggle_region /tb/dut\ntoggle_start\nrun 10us\n"
-MISSING = "wattforge: cannot read gone.tcl: No such file or directory"
 
 # name: (script or None, further plusargs, environment, status, lines that begin with a level)
 FAILURES = {
@@ -89,14 +89,10 @@ FAILURES = {
         ["Error: run.tcl:4: can't read \"nothing\": no such variable", STILL_OPEN]),
     "an error before the simulation has begun": (
         "nonsense\n", [], {}, 1, ['Error: run.tcl:1: invalid command name "nonsense"']),
-    "a script that is not there": (None, ["+wf_do=gone.tcl"], {}, 1, [MISSING]),
-    "the same by environment": (None, [], {"WF_DO": "gone.tcl"}, 1, [MISSING]),
+    "a script that is not there, by environment": (None, [], {"WF_DO": "gone.tcl"}, 1, [MISSING]),
     "the plusarg goes before the environment": ("quit -code 3\n", [], {"WF_DO": "gone.tcl"}, 3, []),
     "a script that ends with its window open": (OPEN, [], {}, 0, [STILL_OPEN]),
     "quit with the window open": (OPEN + "quit -code 4\n", [], {}, 4, [STILL_OPEN]),
-    "a plug-in that is not there": (None, ["+wf_foreign=swfli_init:./nowhere.so"], {}, 1, [
-        'wattforge: cannot load the plug-in "./nowhere.so": ./nowhere.so: cannot open shared '
-        "object file: No such file or directory"]),
     "an argument that is not one": (None, ["+wf_doo=run.tcl"], {}, 2, [
         "wattforge: +wf_doo=run.tcl: unknown argument; there are +wf_do=FILE, "
         "+wf_foreign=FUNCTION:LIBRARY, +wf_memory=BITS, +wf_strict, +wf_trace"]),
@@ -179,6 +175,10 @@ class SerialPort(InsideCase):
             with self.subTest(name):
                 shown = self.simulate(self.uart, script, *plusargs, status=status,
                                       variables=variables)
+                self.assertEqual(levels(shown), told, shown)
+        for name, (script, plusargs, status, told) in FAILURES_ANYWHERE.items():
+            with self.subTest(name):
+                shown = self.simulate(self.uart, script, *plusargs, status=status)
                 self.assertEqual(levels(shown), told, shown)
 
 

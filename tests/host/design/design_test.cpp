@@ -126,47 +126,6 @@ TEST_F(DesignTest, FindsSignalsAndElementsByPath) {
     }
 }
 
-TEST_F(DesignTest, KeepsElementsStableContiguousAndOverTheirComposite) {
-    Signal *rec = design.find_object("/top/recs");
-    Signal *elements = design.elements(rec);
-    EXPECT_EQ(design.elements(rec), elements);
-    Signal *arr = design.elements(&elements[1]) + 1;
-    Signal *leaf = design.elements(arr) + 7;
-    EXPECT_EQ(design.full_name(leaf), "/top/recs(1).arr(0)");
-    EXPECT_EQ(leaf->slot, rec->slot + 9 + 1 + 7);
-    EXPECT_STREQ(design.name_of(leaf), "recs");
-    EXPECT_EQ(design.region_of(leaf), top);
-    EXPECT_EQ(design.elements(leaf), nullptr);
-}
-
-TEST_F(DesignTest, TellsHandlesFromOtherAddresses) {
-    Signal *element = design.elements(design.find_object("/top/bus")) + 7;
-    EXPECT_TRUE(design.is_signal(element));
-    EXPECT_TRUE(design.is_region(u1));
-    const void *strangers[] = {nullptr,     &design,
-                               element + 1, reinterpret_cast<char *>(element) + 1,
-                               u1->name,    reinterpret_cast<void *>(16)};
-    for (const void *stranger : strangers) {
-        EXPECT_FALSE(design.is_region(stranger)) << stranger;
-        EXPECT_FALSE(design.is_type(stranger)) << stranger;
-        // The record behind an element may be the next signal's, never one in its middle.
-        EXPECT_FALSE(stranger != element + 1 && design.is_signal(stranger)) << stranger;
-    }
-    EXPECT_FALSE(design.is_signal(u1));
-    EXPECT_FALSE(design.is_region(element));
-}
-
-TEST_F(DesignTest, ListsAMergedPortInBothRegionsUnderOneHandle) {
-    Signal *net = design.find_object("/top/bus");
-    design.add_alias(u1, net, "port");
-    design.add_alias(u1, net);
-    EXPECT_EQ(design.find_object("/top/u1/port"), net);
-    EXPECT_EQ(design.find_object("/top/u1/port(2)"), design.elements(net) + 5);
-    EXPECT_EQ(design.find_object("/top/u1/bus"), net);
-    EXPECT_EQ(design.full_name(net), "/top/bus");
-    EXPECT_EQ(u1->signals.back(), net);
-}
-
 TEST_F(DesignTest, StartsEveryLeafAtItsLeftmostValue) {
     const Type *type = types.record(
         "defaults",
@@ -181,21 +140,6 @@ TEST_F(DesignTest, StartsEveryLeafAtItsLeftmostValue) {
     const Slot unknown = design.new_storage(types.array(types.std_logic(), 0, 3), 1);
     EXPECT_EQ(design.values()[unknown + 3], 1);
     EXPECT_EQ(unknown, first + 2 * type->slots);
-}
-
-TEST_F(DesignTest, WalksRootsAndChildrenInOrder) {
-    EXPECT_EQ(design.top(), top);
-    EXPECT_EQ(design.next(package), top);
-    EXPECT_EQ(design.next(top), nullptr);
-    EXPECT_EQ(design.next(top->children.back()), nullptr);
-    EXPECT_EQ(found(design.next(u1)), "/top/a/b");
-    Design empty;
-    EXPECT_EQ(empty.top(), nullptr);
-    EXPECT_EQ(empty.find_region("/"), nullptr);
-    EXPECT_EQ(empty.find_signal("x"), nullptr);
-    Design packages_only;
-    Region *only = packages_only.add_region(nullptr, "p", RegionKind::package);
-    EXPECT_EQ(packages_only.top(), only);
 }
 
 // Look-ups between additions, against a plain search, with names that repeat and collide.

@@ -63,13 +63,6 @@ TEST_F(SessionTest, SaysWhyAPluginCannotBeLoaded) {
     EXPECT_THAT(sim.lines(), IsEmpty());
 }
 
-TEST_F(SessionTest, FindsALibraryInTheCurrentFolderByItsBareName) {
-    const auto here = std::filesystem::current_path();
-    std::filesystem::current_path(TEST_PLUGIN_DIR);
-    EXPECT_EQ(sim.load("good_init", "good_plugin.so"), "");
-    std::filesystem::current_path(here);
-}
-
 TEST_F(SessionTest, ReplacesACommandAndAllowsOneSimulatorAtATime) {
     static int last = 0;
     mti_AddCommand(const_cast<char *>("twice"), [](void *) { last = 1; });
@@ -88,60 +81,6 @@ TEST_F(SessionTest, ReleasesWhatThePluginForgot) {
     sim.quit();
     EXPECT_EQ(sim.session().ledger.outstanding(), 0U);
     EXPECT_EQ(sim.lines().back(), "fli: 2 blocks were not released with mti_VsimFree");
-}
-
-TEST_F(SessionTest, TracesEveryCallAcrossTheWall) {
-    sim.session().trace_to_console();
-    ASSERT_EQ(sim.load("good_init", good), "");
-    sim.run_to(7);
-    sim.set("/top/clk", '1');
-    sim.command("echo_line x");
-    sim.quit();
-    const std::string address = "(0x[0-9a-f]+|\\(nil\\))";
-    const std::string expected[] = {
-        "fli: mti_GetTopRegion\\(\\) = /top",
-        "fli: mti_GetRegionFullName\\(" + address + "\\) = /top",
-        "fli: mti_PrintMessage\\(\\{loaded at /top, without arguments\\}\\)",
-        "loaded at /top, without arguments",
-        "fli: mti_VsimFree\\(" + address + "\\)",
-        "fli: mti_AddCommand\\(echo_line\\)",
-        "fli: mti_AddQuitCB\\(" + address + "\\)",
-        "fli: mti_AddQuitCB\\(" + address + "\\)",
-        "fli: mti_FindSignal\\(/top/clk\\) = /top/clk",
-        "fli: mti_CreateProcess\\(watch_clk, " + address + ", 0\\) = " + address,
-        "fli: mti_Sensitize\\(" + address + ", /top/clk, 1\\)",
-        "fli: process watch_clk\\(" + address + "\\) wakes at 7",
-        "fli: mti_PrintMessage\\(\\{clk changed\\}\\)",
-        "clk changed",
-        "fli: command \\{echo_line x\\} at 7",
-        "fli: mti_PrintMessage\\(\\{got \\{echo_line x\\}\\}\\)",
-        "got \\{echo_line x\\}",
-        "fli: quit callback \\(" + address + "\\)",
-        "fli: mti_PrintMessage\\(\\{first to quit\\}\\)",
-        "first to quit",
-        "fli: quit callback \\(" + address + "\\)",
-        "fli: mti_PrintMessage\\(\\{second to quit\\}\\)",
-        "second to quit",
-    };
-    const std::vector<std::string> lines = sim.lines();
-    ASSERT_EQ(lines.size(), std::size(expected)) << testing::PrintToString(lines);
-    for (size_t i = 0; i < lines.size(); ++i) {
-        EXPECT_THAT(lines[i], testing::ContainsRegex("^" + expected[i] + "$"));
-    }
-}
-
-TEST_F(SessionTest, TracesToAFileUntilItIsSwitchedOff) {
-    std::FILE *file = std::tmpfile();
-    sim.session().trace_to_file(file);
-    mti_GetResolutionLimit();
-    sim.session().trace_off();
-    mti_GetResolutionLimit();
-    std::rewind(file);
-    char text[100] = "";
-    const size_t length = std::fread(text, 1, sizeof text - 1, file);
-    std::fclose(file);
-    EXPECT_EQ(std::string(text, length), "fli: mti_GetResolutionLimit() = -9\n");
-    EXPECT_THAT(sim.lines(), IsEmpty());
 }
 
 }  // namespace

@@ -9,8 +9,6 @@
 #include <random>
 #include <string>
 
-#include "tests/support/allocation_count.h"
-
 namespace wf {
 namespace {
 
@@ -66,25 +64,6 @@ class KernelTest : public testing::Test {
     std::vector<std::unique_ptr<Letter>> letters;
     std::string log;
 };
-
-TEST_F(KernelTest, WakesOnChangesOnlyAndOncePerStep) {
-    const Signal *a = signal(types.std_logic());
-    const Signal *n = signal(types.integer("n", 0, 9));
-    watching("a", a);
-    watching("n", n);
-    kernel.set_byte(a->slot, 0);
-    kernel.set_word(n->slot, 0);
-    EXPECT_EQ(ran(), "") << "equal values";
-    kernel.set_byte(a->slot, 3);
-    kernel.set_byte(a->slot, 2);
-    kernel.set_byte(a->slot, 0);
-    EXPECT_EQ(ran(), "a") << "changed and back";
-    kernel.set_word(n->slot, int64_t{1} << 40);
-    kernel.set_byte(a->slot, 3);
-    EXPECT_EQ(ran(), "an") << "the lowest slot first";
-    EXPECT_EQ(kernel.word(n->slot), int64_t{1} << 40);
-    EXPECT_EQ(ran(), "") << "nothing left over";
-}
 
 TEST_F(KernelTest, RunsImmediateThenNormalThenPostponed) {
     const Signal *a = signal(types.bit());
@@ -171,22 +150,6 @@ TEST_F(KernelTest, WakesAPairLikeAnyOtherWatchers) {
     EXPECT_EQ(flip({1}), "bP");
     pair_on("x", bits[2]);
     EXPECT_EQ(flip({2, 0}), "a3bxPP");
-}
-
-TEST_F(KernelTest, GoesThroughGroupsInTheOrderOfTheirFirstChange) {
-    Signal *bus = signal(types.array(types.bit(), 0, 199));
-    const char *letters_of[] = {"a", "b", "c", "d"};
-    const uint32_t places[] = {3, 60, 70, 180};
-    for (int i = 0; i < 4; ++i) {
-        watching(letters_of[i], design.elements(bus) + places[i]);
-    }
-    for (const uint32_t place : {180U, 60U, 70U, 3U, 180U}) {
-        kernel.set_byte(bus->slot + place, 1);
-    }
-    EXPECT_EQ(ran(), "dabc");
-    const std::vector<uint8_t> zeros(200);
-    kernel.set_bytes(bus->slot, zeros.data(), 200);
-    EXPECT_EQ(ran(), "abcd");
 }
 
 // A bus whose bits have watchers of all sorts, and a model that says who is to run in which order.
@@ -329,80 +292,6 @@ TEST_F(ModelTest, AgreesWithTheKernel) {
         expected.clear();
         expected_postponed.clear();
     }
-}
-
-TEST_F(KernelTest, KnowsWhatIsWatchedAndKeepsItWhileTheDesignGrows) {
-    const Signal *a = signal(types.std_logic());
-    watching("a", a);
-    const uint32_t version = kernel.watch_version();
-    watching("A", a);
-    EXPECT_EQ(kernel.watch_version(), version);
-    Signal *large = signal(types.array(types.std_logic(), 0, 99999));
-    EXPECT_FALSE(kernel.watched(large->slot, 100000));
-    watching("e", design.elements(large) + 50000);
-    EXPECT_TRUE(kernel.watched(large->slot, 100000));
-    EXPECT_FALSE(kernel.watched(large->slot, 50000));
-    EXPECT_NE(kernel.watch_version(), version);
-    kernel.set_byte(a->slot, 1);
-    kernel.set_byte(large->slot + 50000, 1);
-    kernel.set_byte(large->slot + 50001, 1);
-    EXPECT_EQ(ran(), "aAe");
-}
-
-TEST_F(KernelTest, TellsProcessHandlesFromOtherAddresses) {
-    Process *first = process("f");
-    Process *second = process("s");
-    EXPECT_TRUE(kernel.is_process(first) && kernel.is_process(second));
-    const void *strangers[] = {nullptr,
-                               first - 1,
-                               first + 1,
-                               second - 1,
-                               second + 1,
-                               &kernel,
-                               reinterpret_cast<char *>(first) + 4};
-    for (const void *stranger : strangers) {
-        EXPECT_FALSE(kernel.is_process(stranger)) << stranger;
-    }
-}
-
-TEST_F(KernelTest, AllocatesNothingInTheLongRun) {
-    Signal *bus = signal(types.array(types.std_logic(), 0, 999));
-    for (uint32_t bit = 0; bit < 1000; ++bit) {
-        const Signal *element = design.elements(bus) + bit;
-        watching("", element);
-        watching("", element, Priority::postponed);
-    }
-    const uint64_t before = test::allocation_count();
-    std::vector<uint8_t> values(1000);
-    const uint64_t own = test::allocation_count() - before;
-    for (Ticks time = 1; time < 100; ++time) {
-        kernel.begin_step(time);
-        std::fill(values.begin(), values.begin() + 10 * time, static_cast<uint8_t>(time % 9));
-        kernel.set_bytes(bus->slot, values.data(), 1000);
-        kernel.finish_step();
-    }
-    if (own == 0) {
-        GTEST_SKIP() << "operator new is not the test's own here (valgrind puts its own in place)";
-    }
-    EXPECT_EQ(test::allocation_count() - before, own);
-    EXPECT_EQ(kernel.now(), 99);
-}
-
-TEST_F(KernelTest, ShowsEveryWakeToItsTracer) {
-    const Signal *a = signal(types.bit());
-    watching("a", a);
-    watching("P", a, Priority::postponed);
-    char mark = '>';
-    kernel.trace_wakes(
-        [](void *context, const Process &process) {
-            *static_cast<Letter *>(process.parameter)->log += *static_cast<char *>(context);
-        },
-        &mark);
-    kernel.set_byte(a->slot, 1);
-    EXPECT_EQ(ran(), ">a>P");
-    kernel.trace_wakes(nullptr, nullptr);
-    kernel.set_byte(a->slot, 0);
-    EXPECT_EQ(ran(), "aP");
 }
 
 }  // namespace

@@ -88,22 +88,6 @@ TEST(GhwDeclare, ReadsBothOrdersAndBothVersions) {
     }
 }
 
-TEST(GhwDeclare, TheUnitOfTimeThatIsOneTickIsTheResolution) {
-    const std::string no_signals = hierarchy(0).byte(0);
-    const std::pair<std::string, int> rows[] = {
-        {types(1).bytes({29, 4, 2, 5, 1, 6, 100, 0}), -15},
-        {types(1).bytes({29, 4, 2, 5, 0, 6, 1, 0}), -9},
-        {types(1).bytes({29, 4, 2, 6, 1, 5, 1, 0}), -9},
-        {types(1).bytes({29, 1, 1, 6, 1, 0}), -15},  // another physical type
-        {types(1).bytes({28, 4, 1, 6, 1, 0}), -15},
-        {types(0).byte(0), -15}};
-    for (const auto &[section, exponent] : rows) {
-        const GhwReading reading = read_ghw(header(section, no_signals));
-        EXPECT_EQ(reading.resolution, exponent);
-        EXPECT_TRUE(reading.loaded) << reading.error;
-    }
-}
-
 struct HierarchyRow {
     const char *what;
     std::string section;
@@ -167,49 +151,28 @@ TEST(GhwDeclare, RefusesWhatMakesNoSenseInOneMessage) {
         return GhwBytes().preamble().section("STR").word(2).word(0).bytes(bytes);
     };
     const Fault rows[] = {
-        {"", 0, "header: GHDLwave and a line end, got end of file"},
         {"GHDLwave", 0, "header: GHDLwave and a line end, got 8 bytes and end of file"},
-        {"GHDLwave\n\x10\1\1", 9,
-         "header: a header of 16 bytes of version 0, got 3 bytes and end of file"},
         {GhwBytes().preamble(2), 11, "header: version 0.0 or 0.1, got 0.2"},
         {GhwBytes().text("GHDLwave\n").bytes({16, 0, 1, 3, 4, 1, 0}), 12,
          "header: the order of bytes, 1 or 2, got 3"},
         {GhwBytes().text("GHDLwave\n").bytes({16, 0, 1, 1, 8, 1, 0}).word(0).word(0), 13,
          "header: words of 4 bytes and offsets of 1, got the bytes 08 01 00 00 00 00 00 00 00 "
          "00"},
-        {GhwBytes(start).text("SNAP"), 16,
-         "header: a section STR (once), TYP, WKT, HIE or EOH, got the bytes 53 4e 41 50"},
         {GhwBytes(start).strings({"a"}).strings({"a"}), 38,
          "header: a section STR (once), TYP, WKT, HIE or EOH, got the bytes 53 54 52 00"},
         {string_section({'a', 2, 'b', 0}), 33,
          "STR: at most 1 characters of the string before, got 2"},
         {string_section({'a', 0x82, 'b', 0}), 34,
          "STR: the length of what strings share, got byte 98"},
-        {string_section({'a', 0, 'b', 0, 'E', 'O', 'F', 0}), 36,
-         "STR: the end mark EOS, got 4 bytes and end of file"},
-        {string_section({'a', 0, 'b'}), 35, "STR: the end of a string, got end of file"},
-        {GhwBytes(start).section("STR").word(UINT32_MAX).word(0).text("a"), 33,
-         "STR: the end of a string, got end of file"},
         {GhwBytes(start).section("STR").word(1).word(0).text(std::string(20000, 'a')), 4129,
          "STR: a string of at most 4096 characters, got a longer one"},
         {with_types({99}), 76, "TYP: the kind of a type, got 99"},
-        {with_types({36}), 76, "TYP: the kind of a type, got 36"},
         {with_types({24, 1}), 76, "TYP: an enumeration of at most 256 literals, got a larger one"},
-        {with_types({23, 10}), 77, "TYP: the name of a type of at most 9, got 10"},
         {with_types({23, 1, 0}), 78, "TYP: a literal, got an enumeration without any"},
-        {with_types({22, 1, 3}), 78, "TYP: a number of literals of at most 2, got 3"},
-        {with_types({34, 1, 0}), 78, "TYP: the number of a base type of at least 1, got 0"},
         {with_types({34, 1, 1}), 78, "TYP: the number of a base type of at most 0, got 1"},
-        {with_types({25, 1, 34, 2, 1, 27}, 2), 81, "TYP: a range of kind 25, got 27"},
         {with_types({27, 1, 31, 2, 1, 1, 1}, 2), 82,
          "TYP: the number of a discrete type, got another type"},
         {with_types({25, 1, 31, 2, 1, 0}, 2), 81, "TYP: a number of dimensions, got 0"},
-        {with_types({25, 1, 31, 2, 1, 65}, 2), 81,
-         "TYP: a number of dimensions of at most 64, got 65"},
-        {with_types({25, 1, 31, 2, 1, 1, 1, 34, 0, 2}, 3), 85,
-         "TYP: the number of a scalar type, got a composite type"},
-        {with_types({25, 1, 35, 2, 1}, 2), 80,
-         "TYP: the number of a composite type, got a scalar type"},
         {with_types({25, 1, 31, 2, 1, 1, 1, 35, 0, 2, 25, 0, 0xff, 0xff, 0xff, 0xff, 0x1f}, 3), 88,
          "TYP: bounds of 32 bits, got wider ones"},
         // 2^28 elements of eight bytes are the limit
@@ -220,15 +183,10 @@ TEST(GhwDeclare, RefusesWhatMakesNoSenseInOneMessage) {
                      0,  3, 1,  1, 35, 0, 4, 25, 0, 0xff, 0xff, 0xff, 0xff, 3},
                     5),
          99, "TYP: a type of at most 64 levels and 65536 empty elements, got a larger one"},
-        {with_types({25, 1, 9}, 1), 78,
-         "TYP: the zero byte that ends the types, got 5 bytes and end of file"},
         {with_hierarchy({16}), 115, "HIE: a scope, got a signal outside of all scopes"},
         {with_hierarchy({15}), 115, "HIE: a scope, got the end of one"},
         {with_hierarchy({6, 9, 0}), 117, "HIE: the end of a scope, got the end of the hierarchy"},
-        {with_hierarchy({6, 9, 14}), 117, "HIE: an entry of the hierarchy, got 14"},
         {with_hierarchy({6, 9, 16, 1, 4}), 119, "HIE: a type with bounds, got one without"},
-        {with_hierarchy({6, 9, 16, 1, 1, 4}), 120,
-         "HIE: the number of a scalar of at most 3, got 4"},
         {with_hierarchy({6, 9, 16, 1, 1, 0}), 120,
          "HIE: the number of a scalar of at least 1, got 0"},
         {with_hierarchy({6, 9, 16, 1, 1, 1, 16, 2, 2, 1}), 124,
@@ -237,7 +195,6 @@ TEST(GhwDeclare, RefusesWhatMakesNoSenseInOneMessage) {
          "EOH: a signal for each scalar up to 3, got none for 1"},
         {with_hierarchy({6, 9, 16, 1, 1, 0xff, 0xff, 0xff, 0x7f}, UINT32_MAX), 120,
          "HIE: the numbers of scalars one after the other, got 268435455"},
-        {with_hierarchy({5, 9, 4}), 117, "HIE: the number of a discrete type, got another type"},
         {with_hierarchy({5, 9, 1, 2}), 118, "HIE: a position below 2, got 2"},
         {with_hierarchy(
              {6, 9, 16, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0x80, 0}),

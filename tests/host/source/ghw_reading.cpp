@@ -3,7 +3,6 @@
 #include "tests/host/source/ghw_reading.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "host/design/design.h"
 #include "host/source/ghw/declare.h"
@@ -14,29 +13,6 @@ namespace wf::test {
 namespace {
 
 const char *const mode_names[] = {"", " in", " out", " inout"};
-
-class ListSink {
-  public:
-    ListSink(GhwReading &reading, Slot slots) : events_(reading.events), slots_(slots) {}
-
-    bool time(Ticks time) {
-        events_.push_back("#" + std::to_string(time));
-        return true;
-    }
-    void byte(Slot slot, uint8_t value) { add(slot, 1, value); }
-    void word(Slot slot, int64_t value) { add(slot, 8, value); }
-
-  private:
-    void add(Slot slot, uint32_t count, int64_t value) {
-        if (uint64_t{slot} + count > slots_) {
-            throw std::out_of_range("an event outside the storage");
-        }
-        events_.push_back(std::to_string(slot) + "=" + std::to_string(value));
-    }
-
-    std::vector<std::string> &events_;
-    Slot slots_;
-};
 
 std::string bounds(const Type &type) {
     return std::to_string(type.left) + ":" + std::to_string(type.right);
@@ -147,8 +123,8 @@ GhwBytes &GhwBytes::tail() {
     return word(UINT32_MAX).text({"EOD\0TAI\0\0\1\4\1", 12}).word(7);
 }
 
-GhwReading read_ghw(const std::string &bytes, std::size_t block, std::size_t piece) {
-    GhwReading reading;
+Reading read_ghw(const std::string &bytes, std::size_t block, std::size_t piece) {
+    Reading reading;
     Design design;
     ghw::IdTable ids;
     ghw::Tokens tokens(make_memory_input("t.ghw", bytes, piece), block);

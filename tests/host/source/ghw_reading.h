@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/source/ghw/tokens.h"
+#include "tests/host/source/reading.h"
 
 namespace wf::test {
 
@@ -49,18 +50,12 @@ class GhwBytes {
     std::string bytes_;
 };
 
-struct GhwReading {
-    // "/top instance", "  bus (7:0) of std_logic in @3", "  n integer 15:0 @11"
-    std::vector<std::string> design;
-    // "#10", "3=1", "11=-4"; the number is the slot
-    std::vector<std::string> events;
-    int resolution = 0;
-    std::string error;  // of either half
-    bool loaded = false;
-};
+// Its design has lines such as "/top instance", "  bus (7:0) of std_logic/9 in @3",
+// "  n integer 15:0 @11".
+using GhwReading = Reading;
 
 // Reads `bytes` under the name t.ghw through a buffer of `block` bytes that is filled in pieces of
-// at most `piece`. An event outside the design's storage throws.
+// at most `piece`.
 GhwReading read_ghw(const std::string &bytes, std::size_t block = ghw::Tokens::default_block,
                     std::size_t piece = SIZE_MAX);
 

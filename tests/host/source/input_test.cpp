@@ -34,19 +34,6 @@ std::string numbers(int count) {
     return text;
 }
 
-TEST(Input, PeekTakesNothing) {
-    const std::string text = numbers(50);
-    for (const std::size_t piece : {1U, 3U, 64U, 1000U}) {
-        const auto input = make_memory_input("m", text, piece);
-        EXPECT_EQ(input->peek(5), text.substr(0, 5));
-        EXPECT_EQ(input->peek(90), text.substr(0, 90));
-        EXPECT_EQ(input->peek(2), text.substr(0, 2));
-        EXPECT_EQ(read_all(*input, 7), text);
-        EXPECT_EQ(input->peek(1), "");
-        EXPECT_FALSE(input->failed());
-    }
-}
-
 TEST(Input, FilesKnowTheirLength) {
     const std::string text = numbers(100000);
     const std::string path = temporary_file("input.txt", text);
@@ -62,18 +49,6 @@ TEST(Input, FilesKnowTheirLength) {
     const auto folder = open_file_input(std::filesystem::temp_directory_path().string(), &error);
     EXPECT_EQ(read_all(*folder, 10), "");
     EXPECT_EQ(folder->failure(), "Is a directory");
-}
-
-TEST(Input, PipesComeInWhateverPiecesTheyLike) {
-    const std::string text = gzipped(numbers(100000)) + gzipped("and more\n");
-    const std::string path = test::scratch_file("input.pipe");
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    std::thread writer([&] { temporary_file("input.pipe", text); });
-    std::string error;
-    auto input = open_file_input(path, &error);
-    EXPECT_EQ(input->bytes_total(), 0U);
-    EXPECT_EQ(read_all(*make_gzip_input(std::move(input)), 1000), numbers(100000) + "and more\n");
-    writer.join();
 }
 
 struct Format {

@@ -107,43 +107,6 @@ Replay replay_of(const Format &format, const std::string &bytes) {
     return {format.make(make_memory_input("t", bytes), 65536), {"/t/b", "/t/c"}};
 }
 
-TEST(Sources, StopAtTheLimitWithAllThatHappenedThen) {
-    for (const Format &format : formats()) {
-        SCOPED_TRACE(format.name);
-        Replay replay = replay_of(format, format.whole);
-        const std::string before = replay.values();
-        EXPECT_EQ(replay.to(9), Progress::reached);
-        EXPECT_EQ(replay.kernel->now(), 9);
-        EXPECT_EQ(replay.values(), before);
-        EXPECT_EQ(replay.to(10), Progress::reached);
-        EXPECT_EQ(replay.values(), " 0 1");
-        EXPECT_EQ(replay.to(25), Progress::reached);
-        EXPECT_EQ(replay.kernel->now(), 25);
-        EXPECT_EQ(replay.to(30), Progress::end_of_data);
-        EXPECT_EQ(replay.to(forever), Progress::end_of_data);
-        EXPECT_EQ(replay.kernel->now(), 30);
-        EXPECT_THAT(replay.steps, ElementsAre("10 0 1", "20 1 1", "30 1 0"));
-        EXPECT_EQ(replay.source->position().last_time, 30);
-        Replay at_once = replay_of(format, format.whole);
-        EXPECT_EQ(at_once.to(20), Progress::reached);
-        EXPECT_EQ(at_once.values(), " 1 1");
-    }
-}
-
-TEST(Sources, KeepWhatCameBeforeDamage) {
-    for (const Format &format : formats()) {
-        SCOPED_TRACE(format.name);
-        Replay replay = replay_of(format, format.damaged);
-        EXPECT_EQ(replay.to(15), Progress::reached);
-        EXPECT_EQ(replay.source->error(), "");
-        EXPECT_EQ(replay.to(40), Progress::damaged);
-        EXPECT_THAT(replay.source->error(), testing::EndsWith(format.message));
-        EXPECT_EQ(replay.to(forever), Progress::damaged);
-        EXPECT_EQ(replay.kernel->now(), 30);
-        EXPECT_THAT(replay.steps, ElementsAre("10 0 1", "20 1 1", "30 1 0"));
-    }
-}
-
 TEST(Sources, AreStoppedBetweenStepsByTheFlag) {
     for (const Format &format : formats()) {
         SCOPED_TRACE(format.name);
@@ -176,20 +139,6 @@ TEST(Sources, TellHowFarTheyAre) {
         EXPECT_GT(positions[3].last_time, positions[2].last_time);
         EXPECT_EQ(positions.back().bytes_read, lengthy.size());
     }
-}
-
-TEST(VcdSource, BeginsUnknownAndEndsAtTheLastRecordedTime) {
-    Replay replay(
-        vcd::make_source(make_memory_input("t", vcd_header + "1!\n#10\n0!\nr2.5 #\n#70\n")),
-        {"/t/b", "/t/c", "/t/r"});
-    EXPECT_EQ(replay.values(), " U U 0");
-    EXPECT_EQ(replay.to(0), Progress::reached);
-    EXPECT_EQ(replay.values(), " 1 U 0");
-    EXPECT_EQ(replay.to(1000), Progress::end_of_data);
-    EXPECT_EQ(replay.kernel->now(), 70);
-    EXPECT_THAT(replay.steps, ElementsAre("0 1 U 0", "10 0 U 2.5"));
-    Replay empty(vcd::make_source(make_memory_input("t", vcd_header)), {});
-    EXPECT_EQ(empty.to(forever), Progress::end_of_data);
 }
 
 TEST(GhwSource, BeginsWithTheValuesThatTimeZeroEndsWith) {

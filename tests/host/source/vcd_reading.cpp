@@ -7,7 +7,6 @@
 #include <zlib.h>
 
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include "host/source/vcd/declare.h"
@@ -20,40 +19,6 @@ namespace {
 const char *const kind_names[] = {"module",   "program",  "interface", "instance", "block",
                                   "generate", "record",   "block",     "process",  "package",
                                   "task",     "function", "statement"};
-
-class ListSink {
-  public:
-    ListSink(VcdReading &reading, Slot slots) : events_(reading.events), slots_(slots) {}
-
-    bool time(Ticks time) {
-        events_.push_back("#" + std::to_string(time));
-        return true;
-    }
-    void bit(Slot slot, uint8_t value) { bits(slot, &value, 1); }
-    void bits(Slot first, const uint8_t *values, uint32_t count) {
-        std::string line = start(first, count);
-        for (uint32_t i = 0; i < count; ++i) {
-            line += std::string_view("UX01ZWLH-").at(values[i]);
-        }
-        events_.push_back(line);
-    }
-    void real(Slot slot, double value) {
-        std::ostringstream line;
-        line << start(slot, 8) << value;
-        events_.push_back(line.str());
-    }
-
-  private:
-    std::string start(Slot first, uint32_t count) const {
-        if (uint64_t{first} + count > slots_) {
-            throw std::out_of_range("an event outside the storage");
-        }
-        return std::to_string(first) + "=";
-    }
-
-    std::vector<std::string> &events_;
-    Slot slots_;
-};
 
 void describe_region(Design &design, Region *region, SignalText text,
                      std::vector<std::string> &lines) {
@@ -87,8 +52,8 @@ std::vector<std::string> describe(Design &design, SignalText text) {
     return lines;
 }
 
-VcdReading read_vcd(const std::string &text, std::size_t block, std::size_t piece) {
-    VcdReading reading;
+Reading read_vcd(const std::string &text, std::size_t block, std::size_t piece) {
+    Reading reading;
     Design design;
     vcd::IdTable ids;
     vcd::Tokens tokens(make_memory_input("t.vcd", text, piece), block);

@@ -10,25 +10,20 @@
 
 #include "host/design/design.h"
 #include "host/source/vcd/tokens.h"
+#include "tests/host/source/reading.h"
 
 namespace wf::test {
 
-struct VcdReading {
-    // "/top module", "  bus(7:0) @3", "  mem(0:3)(7:0) @11", "  r real @19", "  p inout @27"
-    std::vector<std::string> design;
-    // "#10", "3=1", "4=01XZ", "8=1.5"; the number is the first slot
-    std::vector<std::string> events;
-    int resolution = 0;
-    std::string error;  // of either half
-    bool loaded = false;
-};
+// Its design has lines such as "/top module", "  bus(7:0) @3", "  mem(0:3)(7:0) @11",
+// "  r real @19", "  p inout @27".
+using VcdReading = Reading;
 
 // Reads `text` under the name t.vcd through a buffer of `block` bytes that is filled in pieces of
-// at most `piece`. An event outside the design's storage throws.
+// at most `piece`.
 VcdReading read_vcd(const std::string &text, std::size_t block = vcd::Tokens::default_block,
                     std::size_t piece = SIZE_MAX);
 
-// What a line shows of a signal between its name and its slot; this one as in VcdReading.
+// What a line shows of a signal between its name and its slot; this one as for read_vcd.
 using SignalText = std::string (*)(Design &, const Signal *);
 std::string vcd_signal_text(Design &design, const Signal *signal);
 

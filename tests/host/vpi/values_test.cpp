@@ -22,14 +22,6 @@ std::string shown(const std::vector<uint8_t> &bits) {
     return text;
 }
 
-TEST(Values, Scalars) {
-    std::vector<uint8_t> bits;
-    for (const PLI_INT32 scalar : {0, 1, 2, 3, 4, 5, -1}) {
-        bits.push_back(decode_scalar(scalar));
-    }
-    EXPECT_EQ(shown(bits), "01ZXXXX");
-}
-
 // Every width that ends inside, at and beyond eight characters, with something on either side that
 // must stay as it is.
 TEST(Values, VectorsOfEveryWidth) {

@@ -53,15 +53,4 @@ TEST_F(Recorder, SplitsCommandLines) {
     }
 }
 
-TEST_F(Recorder, SplitsALineOfAnyLength) {
-    std::string line = "cmd";
-    for (int i = 0; i < 20000; ++i) {
-        line += " a" + std::to_string(i);
-    }
-    list *arguments = mfli_parse_cmd_args(line.c_str(), "cmd");
-    ASSERT_EQ(arguments->length, 20000);
-    EXPECT_STREQ(static_cast<const char *>(arguments->tail->data), "a19999");
-    list_free(arguments, list_data_free);
-}
-
 }  // namespace

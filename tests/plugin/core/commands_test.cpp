@@ -121,21 +121,6 @@ TEST_F(Commands, ChooseRegionsAndSignals) {
     EXPECT_THAT(watched(), ElementsAre("/top/bus(0) 0/1", "/top/u1/q 0/1", "/top/u1/v/w 0/1"));
 }
 
-TEST_F(Commands, ReportWhatTheyFindAtHigherDebugLevels) {
-    expect(
-        {{"toggle_debug_level 1", {"Setting debug level to 1"}},
-         {"set_toggle_region /top/u10 /top/clk",
-          {"Found Region /top/u10", "Found Signal /top/clk", "\n Printing short mfli_monitor_table",
-           "/top/clk", "/top/u10/q", "Done...", " Printing mfli_monitor_table",
-           "Name tsize msb lsb time dirty T0   T1   TX   TC   IG   value",
-           "        /top/clk, 1, 0, 0, 0.00, 0", "\t\t0.00 0.00 0.00 0.00 0.00, 2",
-           "      /top/u10/q, 1, 0, 0, 0.00, 0", "\t\t0.00 0.00 0.00 0.00 0.00, 2", completed}}});
-    sim.quit();
-    EXPECT_THAT(sim.lines(), ElementsAre("Information (KLVA-PWR): Cleaning up data structures"));
-    EXPECT_EQ(mfli_monitor_table, nullptr);
-    EXPECT_EQ(mfli_policy_table, nullptr);
-}
-
 TEST_F(Commands, SetPolicies) {
     const char *const too_few =
         "Error (KLVA-PWR): set_net_monitoring_policy must have at least two arguments";

@@ -22,6 +22,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <memory>
+#include <new>
 #include <random>
 #include <string>
 
@@ -86,6 +87,24 @@ void __wrap_free(void *block) {
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)
+
+// The C++ library's own would call the C library's malloc past the linker.
+void *operator new(size_t bytes) {
+    if (void *block = std::malloc(bytes == 0 ? 1 : bytes)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
+// The sanitizer has one of its own, which does not go with the operator delete below.
+void *operator new(size_t bytes, const std::nothrow_t &) noexcept {
+    return std::malloc(bytes == 0 ? 1 : bytes);
+}
+void operator delete(void *block) noexcept {
+    std::free(block);
+}
+void operator delete(void *block, size_t) noexcept {
+    std::free(block);
+}
 
 namespace {
 

@@ -60,7 +60,6 @@ TEST(Grammar, AcceptsAndRejects) {
         int error_line;  // 0: accepted
     } rows[] = {
         {head + entries + ")", 0},
-        {head + "(INSTANCE top)\n(INSTANCE a)\n)", 0},
         {head + "(INSTANCE top (INSTANCE a (NET (x x))))\n)", 0},
         {head + "(INSTANCE top (NET (x x)) (PORT (x x)) (NET (x x)) (INSTANCE a))\n)", 0},
         {head + "(INSTANCE a/b \n/c (PORT (x/y/z w)))\n)", 0},
@@ -68,35 +67,19 @@ TEST(Grammar, AcceptsAndRejects) {
         {"(SAIFILE (SAIFVERSION \"9\") (DIRECTION \"backward\") (DESIGN) (DATE) (VENDOR)"
          "(PROGRAM_NAME) (VERSION) (DIVIDER)(INSTANCE a.b))",
          0},
-        // the header
-        {"", 0 + 1},
-        {"\n\n(", 3},
         {"SAIFILE", 1},
-        {"(saifile", 1},
         {"(SAIFILE (SAIFVERSION) (DIRECTION \"f\")", 1},
-        {"(SAIFILE\n(DIRECTION \"f\") (SAIFVERSION \"2.0\")", 2},
         {"(SAIFILE (SAIFVERSION \"2\")\n(DIRECTION)", 2},
         {"(SAIFILE (SAIFVERSION \"2\") (DIRECTION \"f\")\n(DESIGN name)", 2},
-        {"(SAIFILE (SAIFVERSION \"2\") (DIRECTION \"f\")\n(DATE) (DESIGN)", 2},
         {header("(DIVIDER a)") + entries + ")", 5},
-        {header("(DIVIDER / .)") + entries + ")", 5},
-        {header("(TIMESCALE 1 ns)") + entries + ")", 5},
-        // the instances
-        {head + ")", 6},
         {head + entries, 6},
         {head + entries + ")\n)", 7},
-        {head + entries + ")\n(", 7},
-        {head + entries + ")\nmore", 7},
         {head + entries + "\n(PORT (a a)))", 7},
         {head + "(INSTANCE top\n(PORT))", 7},
-        {head + "(INSTANCE top\n(PORT (a)))", 7},
         {head + "(INSTANCE top\n(PORT (a a \"k\"\n\"k\")))", 8},
-        {head + "(INSTANCE top (PORT (a a a)))\n)", 6},
         {head + "(INSTANCE top (INSTANCE x)\n(PORT (a a)))", 7},
         {head + "(INSTANCE\n\"m\")", 7},
-        {head + "(INSTANCE\nPORT)", 7},
         {head + "(INSTANCE top/ (PORT (a a)))", 6},
-        {head + "(INSTANCE top (PORT (a.b a)))", 6},
         {head + "(INSTANCE top\n\n/*\n\n", 10},
         {head + "(INSTANCE top /*\n\n*/ , 12 = (PORT\n(a\n;\n", 10},
     };

@@ -157,24 +157,6 @@ TEST(Scanner, EndsTheProcessAtAnOverlongMatch) {
     scan("/*" + std::string(5000, 'x') + "*/");
 }
 
-TEST(Scanner, ReportsTokensWhenAsked) {
-    saifrtl_yylex_dump = 1;
-    testing::internal::CaptureStderr();
-    scan("(x\\.y \"a b\" PORT . )");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "Lex returns token 269 - (\nLex returns token 268 - x.y\n"
-              "Lex returns token 273 - a b\nLex returns token 258 - PORT\n"
-              "Lex returns token 274 - )\n");
-    saifrtl_yylex_dump = 0;
-}
-
-TEST(Scanner, FindsARuleInAList) {
-    const int rules[] = {3, 7, 0, 8};
-    EXPECT_EQ(saifrtl_yyback(rules, 7), 1);
-    EXPECT_EQ(saifrtl_yyback(rules, 8), 0);
-    EXPECT_EQ(saifrtl_yyback(nullptr, 7), 0);
-}
-
 TEST(Streams, NestWithTheirOwnLineDividerAndFlags) {
     const std::string outer = "a\nb", inner = "x~y\n\n/ z";
     saifrtl_global_init_lex(100);
@@ -222,24 +204,6 @@ TEST(Streams, TakeOneMoreThanTheLimit) {
     EXPECT_EQ(std::count(tokens.begin(), tokens.end(), 'x'), 101);
     saifrtl_parse_reset();
     EXPECT_EQ(saifrtl_local_open_stream(nullptr, "s", nullptr, nullptr, 0), 0) << "after a reset";
-}
-
-std::string own_text;
-size_t own_position = 0;
-
-TEST(Streams, MayBringTheirOwnOperations) {
-    own_text = "bus[3 \"x";
-    own_position = 0;
-    saifrtl_global_init_lex(0);
-    saifrtl_local_open_stream(
-        nullptr, "own",
-        [](FILE *) {
-            return own_position < own_text.size() ? own_text[own_position++]
-                                                  : (++own_position, EOF);
-        },
-        [](int) { --own_position; }, 0);
-    EXPECT_EQ(rest_of_tokens(), "bus x");
-    saifrtl_global_reset_lex();
 }
 
 TEST(Streams, AreClosedOnceAndOnlyWhenTold) {

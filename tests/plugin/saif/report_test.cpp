@@ -283,22 +283,6 @@ TEST_F(Report, WritesMappedBitsUnderTheirRtlNames) {
     EXPECT_EQ(body("/tb/dut"), expected);
 }
 
-TEST_F(Report, TracesItsSteps) {
-    record_clock("/top");
-    sim.command("toggle_debug_level 2");
-    const std::string line = "toggle_report " + file + " 1e-9 /top";
-    sim.lines();
-    EXPECT_THAT(sim.output_of(line),
-                ElementsAre("Starting saifout_create_tree", "Starting registering print functions",
-                            "Starting to build saif tree (gate/rtl)", "Starting build_saif_tree",
-                            "Ending build_saif_tree", "Starting init_saif_header",
-                            "Starting saifout_generate_saif", "Starting saifout_free_tree",
-                            HasSubstr("Report done")));
-    mfli_set_read_rtl_status();
-    EXPECT_THAT(sim.output_of(line), testing::IsSupersetOf({"Starting build_rtl_saif_tree",
-                                                            "Ending build_rtl_saif_tree"}));
-}
-
 // How many files a report leaves in its folder, and what stands under its name.
 std::string left_in(const std::filesystem::path &folder, const std::string &file) {
     const auto files = std::distance(std::filesystem::directory_iterator(folder), {});

@@ -106,33 +106,6 @@ TEST(SaifList, FreesAllOrWhatFollowsAnItem) {
     saif_list_free(list);
 }
 
-TEST(SaifList, PrintsWhatHasDataAndComplainsOfNoList) {
-    saif_list *list = list_of({"a", "b"}, cmp_func);
-    const saif_list_entry bare = {string_alloc("bare"), nullptr};
-    saif_list_enter(list, &bare);
-    saif_list_print(list);
-    EXPECT_THAT(seen, ElementsAre("a=1", "b=2"));
-    saif_list_free(list);
-    CaptureStdout();
-    saif_list_print(nullptr);
-    saif_list_env_free(nullptr, nullptr);
-    const char *line = "You are trying to work on an empty list.\n";
-    EXPECT_EQ(GetCapturedStdout(), std::string(line) + line);
-}
-
-TEST(SaifRecords, StartAsTheirFieldsSay) {
-    saif_toggle_attribute *toggle = saif_create_toggle_attribute_struct();
-    EXPECT_THAT((std::vector{toggle->tc, toggle->ig, toggle->further, toggle->marker}),
-                ElementsAre(0.0, 0.0, 0.0, -1.0));
-    saif_free_toggle_attribute_struct(toggle);
-    saif_timing_attribute *timing = saif_create_timing_attribute_struct();
-    const auto *durations = reinterpret_cast<const double *>(timing);
-    EXPECT_THAT(std::vector(durations, durations + 5), ElementsAre(0, 0, 0, 0, 0));
-    timing->t1 = 7.0;
-    EXPECT_EQ(durations[0], 7.0);  // T1 stands first
-    saif_free_timing_attribute_struct(timing);
-}
-
 // Ownership: the leak checker sees what is not freed, the address checker what is freed twice.
 TEST(SaifRecords, FreeWhatTheyOwn) {
     saif_state_attribute *states = saif_create_state_attribute_struct();

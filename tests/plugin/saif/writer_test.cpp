@@ -202,28 +202,6 @@ TEST(Writer, DropsWhatHasNoInstance) {
               line("PORT p1") + line("PORT p2") + line("NET n\\[1\\]") + line("NET n2"));
 }
 
-TEST(Writer, WritesNothingWithoutAPrintFunction) {
-    Tree tree;
-    tree.port("/top/a");
-    saifout_register_leak_print_function(tree.tree, nullptr);
-    saifout_register_leak_print_function(nullptr, nullptr);
-    saif_header *header = saif_create_header_struct();
-    EXPECT_EQ(tree.file(header), "");
-    saif_free_header_struct(header);
-}
-
-TEST(Writer, BeginsEachFileAtTheMargin) {
-    Tree careless;
-    saifout_register_node_print_function(
-        careless.tree,
-        [](FILE *, const dstring *, void *, int *indentation) { *indentation += 5; });
-    careless.create("/a");
-    careless.body();  // ends two blanks too deep
-    Tree next;
-    next.create("/a");
-    EXPECT_EQ(next.body(), "(INSTANCE a\n)\n");
-}
-
 TEST(Writer, SaysWhenTheStreamFailed) {
     Tree tree;
     tree.port("/top/a");
@@ -242,24 +220,6 @@ TEST(Writer, SaysWhenTheStreamFailed) {
     EXPECT_EQ(saifout_generate_saif(header, tree.tree, 1.0), 0);
     fclose(header->output);
     saif_free_header_struct(header);
-}
-
-TEST(Tree, SplitsNamesAtTheDivider) {
-    const char *const rows[][2] = {
-        {"a/b/c", "a b c"}, {"/a/b", "a b"}, {"a//b", "a /b"}, {"a//b/c", "a /b c"},
-        {"a/b/", "a b"},    {"//a", "/a"},   {"a", "a"},       {"a.b/c", "a.b c"},
-    };
-    for (const auto &row : rows) {
-        std::string parts;
-        const char *text = row[0][0] == '/' ? row[0] + 1 : row[0];
-        for (int more = 1; more != 0;) {
-            dstring *part = nullptr;
-            more = get_hier_level(text, '/', &part, &text);
-            parts += (parts.empty() ? "" : " ") + std::string(string_to_char(part));
-            string_free(part);
-        }
-        EXPECT_EQ(parts, row[1]) << row[0];
-    }
 }
 
 TEST(Tree, FindsAndCreatesNodes) {
@@ -329,23 +289,6 @@ TEST(Tree, TakesNoWrongShortCut) {
         }
         ASSERT_EQ(at, node) << name;
     }
-}
-
-int freed;
-int count_freed(void *) {
-    ++freed;
-    return 1;
-}
-
-TEST(Tree, FreesThroughTheDeleteFunctions) {
-    char data[] = "x";
-    SaifTree *tree = saifout_create_tree(count_freed, nullptr, count_freed, count_freed);
-    saifout_insert_port_net_full_hier("/a/b/net", data, 0, tree);
-    saifout_insert_port_net_full_hier("/a/b/port", data, 1, tree);
-    saifout_create_node("/a/c", '/', data, data, tree);
-    freed = 0;
-    saifout_free_tree(tree);
-    EXPECT_EQ(freed, 3);  // the net, the node info, the leak info; ports have no delete function
 }
 
 TEST(Tree, IsAsDeepAsTheDesign) {

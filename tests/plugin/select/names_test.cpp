@@ -4,19 +4,11 @@
 
 #include "tests/plugin/recorder.h"
 
-#include <cstdlib>
-
 using ::testing::ElementsAreArray;
 using wf::Direction;
 using wf::Type;
 
 namespace {
-
-std::string taken(char *text) {
-    std::string copy = text;
-    free(text);
-    return copy;
-}
 
 class Names : public Recorder {
   protected:
@@ -32,40 +24,6 @@ class Names : public Recorder {
         sim.signal("/top/rec", record);
     }
 };
-
-TEST_F(Names, AreFullInTheirRegion) {
-    const mtiRegionIdT top = sim.region_handle("/top");
-    EXPECT_EQ(taken(mfli_get_signal_full_name(sim.handle("/top/u1/clk"))), "/top/u1/clk");
-    EXPECT_EQ(taken(mfli_get_signal_full_name(sim.handle("/top/bus(3)"))), "/top/bus");
-    for (const char *name : {"/top/bus(3)", "/top/mem(1)(2)", "/top/rec.g(0)"}) {
-        EXPECT_EQ(taken(mfli_get_signal_full_name_indirect(sim.handle(name), top)), name);
-    }
-    EXPECT_EQ(taken(mfli_get_signal_full_name_indirect(sim.handle("/top/bus(3)"),
-                                                       sim.region_handle("/top/u1"))),
-              "/top/u1/bus(3)");
-    // The path is the simulator's, the indices are the user's.
-    EXPECT_EQ(taken(mfli_get_signal_full_indexed_name(sim.handle("/top/bus(3)"), "any(3)(x")),
-              "/top/bus(3)(x");
-    EXPECT_EQ(taken(mfli_get_signal_full_indexed_name(sim.handle("/top/bus"), "top/bus")),
-              "/top/bus");
-}
-
-TEST_F(Names, HaveIndicesThatGivePositions) {
-    const struct {
-        const char *array;
-        int64_t index;
-        int64_t position;
-    } rows[] = {
-        {"/top/bus", 7, 0},  {"/top/bus", 0, 7},  {"/top/bus", 8, -1},
-        {"/top/bus", -1, 8}, {"/top/up", -2, 0},  {"/top/up", 5, 7},
-        {"/top/up", -3, -1}, {"/top/rec", 0, -1}, {"/top/mem", 1, 1},
-    };
-    for (const auto &row : rows) {
-        EXPECT_EQ(convert_index_to_position(mti_GetSignalType(sim.handle(row.array)), row.index),
-                  row.position)
-            << row.array << ' ' << row.index;
-    }
-}
 
 std::string no_element(const std::string &name) {
     return "Warning (KLVA-PWR): could not find valid array element for signal " + name;
@@ -102,19 +60,6 @@ TEST_F(Names, LeadToSignalsAndElements) {
             << row.name;
         EXPECT_THAT(sim.lines(), ElementsAreArray(row.messages)) << row.name;
     }
-}
-
-TEST_F(Names, AreWalkedByTheirSuffix) {
-    const mtiSignalIdT mem = sim.handle("/top/mem");
-    EXPECT_EQ(find_array_element_recur(nullptr, "(1)"), nullptr);
-    EXPECT_EQ(find_array_element_recur(mem, nullptr), mem);
-    EXPECT_EQ(find_array_element_recur(mem, "(1)(3)trailing"), sim.handle("/top/mem(1)(3)"));
-    EXPECT_THAT(sim.lines(), ::testing::IsEmpty());
-    EXPECT_EQ(find_array_element_recur(mem, "x(1)"), nullptr);
-    EXPECT_EQ(find_array_element_recur(mem, "(1)x"), nullptr);
-    const Lines warnings = {no_element("/top/memx(1)"), no_element("/top/memx"),
-                            no_element("/top/mem(1)x")};
-    EXPECT_THAT(sim.lines(), ElementsAreArray(warnings));
 }
 
 }  // namespace

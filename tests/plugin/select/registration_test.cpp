@@ -140,27 +140,8 @@ TEST_F(Recorder, SkipsRegionsThatHoldNothingToWatch) {
                                        "/top/gen/s 0/1", "/top/gen/deep/s 0/1"));
 }
 
-TEST_F(Recorder, WalksSubRegionsWhateverThePolicy) {
-    const Type *logic = sim.types.std_logic();
-    for (const char *name : {"/top/s", "/top/u1/s", "/top/u1/v/s", "/top/u1/v/w/s", "/top/u2/s"}) {
-        sim.signal(name, logic);
-    }
-    add_to_policy_table(sim.region_handle("/top/u1"), MFLI_POLICY_OFF);
-    add_to_policy_table(sim.region_handle("/top/u1/v/w"), MFLI_POLICY_RTL_ON);
-    watch("/top");
-    EXPECT_THAT(watched(), ElementsAre("/top/s 0/1", "/top/u1/v/w/s 0/1", "/top/u2/s 0/1"));
-}
-
-TEST_F(Recorder, TracesRegistration) {
-    const Type *logic = sim.types.std_logic();
-    sim.signal("/top/b", sim.types.array(logic, 0, 0));
-    sim.signal("/top/r", sim.types.record("r", {{"f", logic}}));
-    mfli_debug_level = 3;
-    EXPECT_THAT(watch("/top"),
-                ElementsAre("Registering signals in region /top", "Registering = /top/b; ARRAY",
-                            "Registered signal /top/b(0)", "Registering = /top/r; RECORD",
-                            "Registering = /top/r.f; Scalar/Enum", "Registered signal /top/r.f"));
-    sim.signal("/top/s", logic);
+TEST_F(Recorder, CreatesTwoProcessesForASignal) {
+    sim.signal("/top/s", sim.types.std_logic());
     sim.session().trace_to_console();
     mfli_register_net(sim.handle("/top/s"), "/top/s", 0);
     const Lines calls = sim.lines();

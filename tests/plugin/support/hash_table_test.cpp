@@ -231,49 +231,6 @@ TEST(HashTable, NumbersAnewBeforeTheNumbersRunOut) {
     st_free(table);
 }
 
-TEST(HashTable, EveryFormStoresAndHandsOutTheSameWords) {
-    const std::string text = "key";
-    const std::string equal_text = "key";
-    st_table *by_text = st_alloc_abo(st_strcmp, st_strhash);
-    st_table *by_pointer = st_alloc_abo(st_ptrcmp, st_ptrhash);
-    EXPECT_EQ(st_insert_kptr_vint(by_text, text.c_str(), INTPTR_MIN), 0);
-    EXPECT_EQ(st_insert_kptr_vint(by_text, equal_text.c_str(), -2), 1);
-    EXPECT_EQ(st_insert_kptr_vint(by_pointer, text.c_str(), 1), 0);
-    EXPECT_EQ(st_insert_kptr_vint(by_pointer, equal_text.c_str(), 2), 0);
-
-    intptr_t *number = nullptr;
-    EXPECT_EQ(st_find_kptr_vint(by_text, "key", &number), 1);
-    EXPECT_EQ((*number)--, -2);
-    void *stored = nullptr;
-    intptr_t value = 0;
-    EXPECT_EQ(st_delete_kptr_vint(by_text, "no", &stored, &value), 0);
-    EXPECT_EQ(st_delete_kptr_vint(by_text, "key", &stored, &value), 1);
-    EXPECT_EQ(stored, text.c_str()) << "the key as it was stored, for its owner to release";
-    EXPECT_EQ(value, -3);
-    EXPECT_EQ(st_count(by_text), 0);
-    EXPECT_EQ(walk(by_text), Pairs{});
-
-    void **slot = nullptr;
-    st_table *by_number = st_alloc_abo(st_numcmp, st_numhash);
-    EXPECT_EQ(st_find_or_add_kint_vptr(by_number, -7, &slot), 0);
-    EXPECT_EQ(*slot, nullptr);
-    *slot = by_text;
-    EXPECT_EQ(st_find_or_add_kint_vptr(by_number, -7, &slot), 1);
-    EXPECT_EQ(*slot, by_text);
-    EXPECT_EQ(st_find_kint_vptr(by_number, 7, &slot), 0);
-    void *pointer = nullptr;
-    EXPECT_EQ(st_lookup_kint_vptr(by_number, -7, &pointer), 1);
-    EXPECT_EQ(pointer, by_text);
-    EXPECT_EQ(st_lookup_kint_vptr(by_number, -7, nullptr), 1);
-    intptr_t key = 0;
-    EXPECT_EQ(st_delete_kint_vptr(by_number, -7, &key, nullptr), 1);
-    EXPECT_EQ(key, -7);
-
-    for (st_table *table : {by_text, by_pointer, by_number}) {
-        st_free(table);
-    }
-}
-
 TEST(HashTable, TurnsIntoCopiesListsAndNothing) {
     st_table *table = st_alloc_params(st_strcmp, st_strhash, 16, 2);
     const std::vector<std::string> names = {"c", "a", "b", "d"};

@@ -16,18 +16,6 @@ std::string take(char *text) {
     return taken;
 }
 
-TEST(Text, FindsTheFirstAndTheLast) {
-    const struct {
-        const char *text, *pattern;
-        int32_t first, last;
-    } rows[] = {{"a/b/c", "/", 1, 3},  {"aaaa", "aa", 0, 2}, {"abc", "", 0, 3}, {"", "", 0, 0},
-                {"ab", "abc", -1, -1}, {"abc", "abc", 0, 0}, {"", "a", -1, -1}, {"xab", "b", 2, 2}};
-    for (const auto &row : rows) {
-        EXPECT_EQ(mfli_substring_position(row.text, row.pattern), row.first) << row.text;
-        EXPECT_EQ(mfli_last_substring_position(row.text, row.pattern), row.last) << row.text;
-    }
-}
-
 TEST(Text, SplitsAtTheLastSeparator) {
     const struct {
         const char *full, *path, *leaf;
@@ -71,36 +59,6 @@ TEST(Text, SplitsAndAddsIndices) {
     EXPECT_EQ(take(convert_index_to_string(INT32_MIN)), "(-2147483648)");
     EXPECT_EQ(take(mfli_add_index_to_name("bus(1)", 0)), "bus(1)(0)");
     EXPECT_EQ(take(mfli_add_index_to_name("", -7)), "(-7)");
-}
-
-TEST(Text, JoinsPathsAndTexts) {
-    const struct {
-        const char *name, *path;
-        int separator;
-        const char *joined;
-    } rows[] = {{"a", "/top", 1, "/top/a"}, {"a", "/top", 0, "/topa"}, {"a", "", 1, "/a"},
-                {"a", nullptr, 5, "/a"},    {"a", nullptr, 0, "a"},    {"", "", 0, ""}};
-    for (const auto &row : rows) {
-        EXPECT_EQ(take(mfli_add_path_to_name(row.name, row.path, row.separator)), row.joined);
-    }
-    char *owned = nullptr;
-    mfli_strcat(&owned, "x");
-    EXPECT_EQ(owned, nullptr);
-    owned = mfli_strdup("ab");
-    mfli_strcat(&owned, nullptr);
-    mfli_strcat(&owned, "");
-    mfli_strcat(&owned, "cd");
-    EXPECT_EQ(take(owned), "abcd");
-    EXPECT_EQ(mfli_strdup(nullptr), nullptr);
-}
-
-TEST(Text, ConvertsBrackets) {
-    char square[] = "d[3][1](x)]";
-    mfli_convert_squareb_to_paren(square);
-    EXPECT_STREQ(square, "d(3)(1)(x))");
-    char round[] = "(d[0])";
-    mfli_convert_paren_to_squareb(round);
-    EXPECT_STREQ(round, "[d[0]]");
 }
 
 TEST(Text, RegionsContainWhateverBeginsWithTheirName) {
