@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <utility>
 
-#include "host/source/vcd/ids.h"
+#include "host/source/variable_name.h"
 
 namespace wf::vcd {
 namespace {
@@ -66,34 +66,9 @@ constexpr VariableName variable_names[] = {
     {"longint", VariableUse::bits},   {"enum", VariableUse::bits},
 };
 
-template <typename Number>
-bool read_number(std::string_view text, Number &value) {
+bool read_number(std::string_view text, uint64_t &value) {
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
     return !text.empty() && result.ec == std::errc() && result.ptr == text.data() + text.size();
-}
-
-// The last group in brackets of `text`, not looking before `floor`; empty when it does not end in
-// one.
-std::string_view last_group(std::string_view text, std::size_t floor) {
-    const std::size_t open = text.rfind('[');
-    if (text.empty() || text.back() != ']' || open == std::string_view::npos || open < floor) {
-        return {};
-    }
-    return text.substr(open);
-}
-
-bool read_range(std::string_view group, int32_t &left, int32_t &right) {
-    const std::size_t colon = group.find(':');
-    return colon != std::string_view::npos && read_number(group.substr(1, colon - 1), left) &&
-           read_number(group.substr(colon + 1, group.size() - colon - 2), right);
-}
-
-bool read_index(std::string_view group, int32_t &index) {
-    return group.size() > 2 && read_number(group.substr(1, group.size() - 2), index);
-}
-
-uint64_t range_width(int32_t left, int32_t right) {
-    return static_cast<uint64_t>(std::abs(int64_t{left} - right)) + 1;
 }
 
 // Seconds as a power of ten, from texts such as 1ns, 100us, 10s.
@@ -107,23 +82,6 @@ bool read_timescale(std::string_view text, int &exponent) {
     }
     exponent = static_cast<int>(number.size()) - 1 - 3 * static_cast<int>(unit - units);
     return true;
-}
-
-// An escaped identifier of Verilog; a blank ends it.
-bool is_escaped(std::string_view text) {
-    return text.size() > 1 && text[0] == '\\' && text[1] != ' ';
-}
-
-// The length of a VHDL extended identifier at the start of the text, which has a backslash at both
-// ends and may have blanks in between; 0 when there is none. A range may follow it at once. (An
-// escaped identifier of Verilog that ends in a backslash looks the same, and is taken for one.)
-std::size_t extended_length(std::string_view text) {
-    const std::size_t last = text.rfind('\\');
-    if (!text.starts_with('\\') || last < 2) {
-        return 0;
-    }
-    const std::string_view rest = text.substr(last + 1);
-    return rest.empty() || rest[0] == ' ' || rest[0] == '[' ? last + 1 : 0;
 }
 
 class HeaderReader {
@@ -144,7 +102,6 @@ class HeaderReader {
     bool read_word(std::string_view expected);
     bool read_rest(std::string_view section);
     bool read_name(Variable &variable);
-    bool read_suffix(Variable &variable, std::size_t floor);
     bool read_end(std::string_view section);
     bool skip_section(std::string_view section);
     bool fault(std::string_view expected) {
@@ -277,6 +234,8 @@ bool HeaderReader::read_kind(Variable &variable) {
         return fault("the kind of a variable");
     }
     variable.use = known->use;
+    // The dump of a module's ports does not say which way they go.
+    variable.mode = known->use == VariableUse::port ? Mode::inout : Mode::internal;
     return true;
 }
 
@@ -319,45 +278,18 @@ bool HeaderReader::read_rest(std::string_view section) {
     return token == "$end" || fault("$end of " + std::string(section));
 }
 
-// The name and whatever follows it, without the blanks between.
+// The name and whatever follows it.
 bool HeaderReader::read_name(Variable &variable) {
     if (!read_word("the name of a variable") || !read_rest("$var")) {
         return false;
     }
-    std::size_t own = extended_length(name_);
-    if (own == 0 && is_escaped(name_)) {
-        name_.erase(0, 1);
-        own = std::min(name_.find(' '), name_.size());
-    }
-    name_.erase(std::remove(name_.begin() + static_cast<std::ptrdiff_t>(own), name_.end(), ' '),
-                name_.end());
-    return read_suffix(variable, own);
-}
-
-// Takes range and index off the name. In an escaped or extended name, brackets before `floor`
-// belong to the name; but a vector whose escaped name ends in an index is how memories' words are
-// dumped.
-bool HeaderReader::read_suffix(Variable &variable, std::size_t floor) {
-    std::string_view name = name_;
-    const std::string_view group = last_group(name, floor);
-    if (!variable.has_range && read_range(group, variable.left, variable.right)) {
-        variable.has_range = true;
-        name.remove_suffix(group.size());
-    } else if (variable.width == 1 && read_index(group, variable.left)) {
-        variable.has_index = true;
-        name.remove_suffix(group.size());
-    }
-    variable.name = variable.base = name;
-    const std::string_view word = last_group(name, 1);
-    if ((variable.has_range || variable.width > 1) && read_index(word, variable.word)) {
-        variable.base.remove_suffix(word.size());
-    }
+    const std::string_view range = split_name(name_, variable);
     const bool is_bits = variable.use == VariableUse::bits || variable.use == VariableUse::port;
     if (is_bits && variable.has_range &&
         range_width(variable.left, variable.right) != variable.width) {
-        return fault("a range of " + std::to_string(variable.width) + " bits", group);
+        return fault("a range of " + std::to_string(variable.width) + " bits", range);
     }
-    return !name.empty() || fault("the name of a variable", name_);
+    return !variable.name.empty() || fault("the name of a variable", name_);
 }
 
 bool HeaderReader::read_variable() {

@@ -8,31 +8,14 @@
 #include <string_view>
 
 #include "host/design/region.h"
+#include "host/source/variables.h"
 #include "host/source/vcd/tokens.h"
 
 namespace wf::vcd {
 
-// What becomes of a variable.
-enum class VariableUse : uint8_t {
-    bits,    // nets, variables and integers of any kind: a value of bits
-    port,    // the same, in the dump of a module's ports
-    real,    // a number
-    ignored  // events, parameters and strings: no state that can toggle
-};
-
-// One $var section. The texts are good until the sink returns.
-struct Variable {
-    VariableUse use = VariableUse::bits;
-    bool has_range = false;  // [left:right] was given
-    bool has_index = false;  // [left] was given: one bit of a vector
-    int32_t left = 0;
-    int32_t right = 0;
-    uint32_t width = 0;     // bits, 1 to max_width; of a real or an ignored one what stood there
-    int32_t word = 0;       // the index that ends the name of a memory's word
+// One $var section.
+struct Variable : wf::Variable {
     std::string_view code;  // the identifier code
-    std::string_view name;  // with a word's index; without an escaped name's backslash, with an
-                            // extended one's two
-    std::string_view base;  // shorter than the name when that may be a memory's word
 };
 
 class HeaderSink {

@@ -12,28 +12,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/design/type.h"
+#include "host/source/variables.h"
 
 namespace wf::vcd {
-
-// The widest vector that is accepted, in bits.
-inline constexpr uint32_t max_width = 1U << 24;
-
-// What a change of one identifier code changes.
-struct Target {
-    Slot slot = 0;       // its leftmost bit; for `several` the first of its places in extra()
-    uint32_t shape = 0;  // 1 to max_width: so many bits; else one of the following
-
-    static constexpr uint32_t undeclared = 0;
-    static constexpr uint32_t ignored = 0x40000000U;  // declared, but nobody keeps its value
-    static constexpr uint32_t real = 0x40000001U;
-    static constexpr uint32_t several = 0x80000000U;  // plus how many
-
-    bool is_bits() const { return shape - 1 < max_width; }
-    bool is_several() const { return shape >= several; }
-    uint32_t count() const { return is_several() ? shape - several : 1; }
-    bool operator==(const Target &) const = default;
-};
 
 // A code as it stands in the text: its length and the eight bytes from its first character on.
 struct Code {

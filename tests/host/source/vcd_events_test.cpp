@@ -192,7 +192,7 @@ TEST(VcdIds, EveryCodeFindsItsTargetAndNoOtherDoes) {
             SCOPED_TRACE(testing::Message() << stride << " " << last_lowest);
             constexpr uint32_t count = 30000;
             vcd::IdTable ids;
-            std::vector<vcd::Target> targets;
+            std::vector<Target> targets;
             for (uint32_t i = 0; i < count; ++i) {
                 const std::string code = code_of(i * stride, last_lowest);
                 ASSERT_EQ(ids.number(code), i);
@@ -206,7 +206,7 @@ TEST(VcdIds, EveryCodeFindsItsTargetAndNoOtherDoes) {
             }
             for (const char *unknown : {"~~~~\n0000000", "~~~~~~~~\n00000", "\x80\n00000000",
                                         "\x7f\n00000000", "\n000000000", "!!!!!!!!!\n0000"}) {
-                EXPECT_EQ(ids.find(vcd::Code::at(unknown)), vcd::Target()) << unknown;
+                EXPECT_EQ(ids.find(vcd::Code::at(unknown)), Target()) << unknown;
             }
         }
     }
