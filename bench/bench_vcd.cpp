@@ -95,13 +95,13 @@ void parse_vcd(benchmark::State &state) {
         Design design;
         vcd::IdTable ids;
         vcd::Tokens tokens(make_memory_input("bench.vcd", text));
-        vcd::Declarations declarations(design, ids);
+        Remarks remarks;
         std::string error;
-        if (!vcd::read_header(tokens, declarations, &error) || !declarations.finish()) {
+        if (!vcd::declare(tokens, design, ids, remarks, &error)) {
             state.SkipWithError(error.c_str());
         }
         state.ResumeTiming();
-        vcd::Events events(tokens, ids);
+        vcd::Events events(tokens, ids, {});
         CountingSink sink;
         if (events.run(sink) != vcd::EventsEnd::end_of_data) {
             state.SkipWithError(events.error().c_str());

@@ -131,6 +131,16 @@ Region *Design::top() const {
     return found != roots_.end() ? *found : roots_.empty() ? nullptr : roots_.front();
 }
 
+bool Design::holds_signals(const Region *region) {
+    std::vector<const Region *> left = {region};
+    while (!left.empty() && left.back()->signals.empty()) {
+        const std::vector<Region *> &children = left.back()->children;
+        left.pop_back();
+        left.insert(left.end(), children.begin(), children.end());
+    }
+    return !left.empty();
+}
+
 Region *Design::next(const Region *region) const {
     const auto &neighbours = region->parent == nullptr ? roots_ : region->parent->children;
     const size_t following = size_t{region->position} + 1;

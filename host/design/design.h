@@ -63,6 +63,8 @@ class Design {
     Region *next(const Region *region) const;
     // The region of that path ("/" is the top region), or null.
     Region *find_region(std::string_view path);
+    // Whether the region or one below it, at any depth, has a signal.
+    static bool holds_signals(const Region *region);
     // The child (or, for a null region, the root) of exactly that name, or null.
     Region *find_child(Region *region, std::string_view name);
     // "/top/u1"; the text stays as it is until the next call.

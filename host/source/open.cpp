@@ -5,6 +5,7 @@
 
 #include "host/source/ghw/source.h"
 #include "host/source/input.h"
+#include "host/source/quoted.h"
 #include "host/source/source.h"
 #include "host/source/vcd/source.h"
 
@@ -44,7 +45,7 @@ std::string describe(std::string_view beginning) {
             return std::string(signature.format);
         }
     }
-    return "something else, beginning with " + vcd::quoted(beginning.substr(0, 16));
+    return "something else, beginning with " + quoted(beginning.substr(0, 16));
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace wf {
 
@@ -60,6 +61,22 @@ class Source {
 
     // `listener` is called from inside load and advance_to about once a megabyte; empty: nobody.
     virtual void on_progress(std::function<void(const SourcePosition &)> listener) = 0;
+
+    // `listener` is told, from inside load and advance_to, what of the waveform is passed over or
+    // read otherwise than it stands: `file:line: text`. Empty: nobody.
+    void on_warning(std::function<void(const std::string &)> listener) {
+        listener_ = std::move(listener);
+    }
+
+  protected:
+    void warn(const std::string &text) const {
+        if (listener_) {
+            listener_(text);
+        }
+    }
+
+  private:
+    std::function<void(const std::string &)> listener_;
 };
 
 // Opens the waveform at `path` ("-" is standard input), plain or compressed with gzip or bzip2; its

@@ -30,6 +30,15 @@ bool read_index(std::string_view group, int32_t &index) {
 
 }  // namespace
 
+bool split_index(std::string_view &name, int32_t &index) {
+    const std::string_view group = last_group(name, 1);
+    if (!read_index(group, index)) {
+        return false;
+    }
+    name.remove_suffix(group.size());
+    return true;
+}
+
 bool read_range(std::string_view group, int32_t &left, int32_t &right) {
     const std::size_t colon = group.find(':');
     return colon != std::string_view::npos && read_number(group.substr(1, colon - 1), left) &&
@@ -65,17 +74,21 @@ std::string_view split_name(std::string &text, Variable &variable) {
                text.end());
     std::string_view name = text;
     const std::string_view group = last_group(name, own);
-    if (!variable.has_range && read_range(group, variable.left, variable.right)) {
+    int32_t left = 0;
+    int32_t right = 0;
+    if (read_range(group, left, right) &&
+        (!variable.has_range || (left == variable.left && right == variable.right))) {
         variable.has_range = true;
+        variable.left = left;
+        variable.right = right;
         name.remove_suffix(group.size());
     } else if (variable.width == 1 && read_index(group, variable.left)) {
         variable.has_index = true;
         name.remove_suffix(group.size());
     }
     variable.name = variable.base = name;
-    const std::string_view word = last_group(name, 1);
-    if ((variable.has_range || variable.width > 1) && read_index(word, variable.word)) {
-        variable.base.remove_suffix(word.size());
+    if (variable.has_range || variable.width > 1) {
+        split_index(variable.base, variable.word);
     }
     return group;
 }

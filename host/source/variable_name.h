@@ -13,10 +13,13 @@
 namespace wf {
 
 // Takes `text`, words with one blank between, apart: sets the variable's name, base, word, and what
-// is known of its range or index, unless it has a range already. Its use and width are set. The
-// names point into `text`, which loses an escaped name's backslash and the blanks behind a name.
-// The answer is the group in brackets that was taken for the range or index.
+// is known of its range or index; a range that it has already is not set again. Its use and width
+// are set. The names point into `text`, which loses an escaped name's backslash and the blanks
+// behind a name. The answer is the group in brackets that was taken for the range or index.
 std::string_view split_name(std::string &text, Variable &variable);
+
+// Takes an index in brackets, "[3]", off the end of a name; false: it has none.
+bool split_index(std::string_view &name, int32_t &index);
 
 // "[7:0]"
 bool read_range(std::string_view group, int32_t &left, int32_t &right);

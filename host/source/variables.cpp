@@ -6,15 +6,15 @@
 #include <cstdlib>
 #include <utility>
 
+#include "host/source/variable_name.h"
+
 namespace wf {
 
 void Variables::open_scope(RegionKind kind, std::string_view name) {
     Region *parent = open_.empty() ? nullptr : scopes_[open_.back()].region;
     Region *region = design_.find_child(parent, name);
     if (region != nullptr) {
-        const uint32_t scope = scope_of_.at(region);
-        scopes_[scope].reopened = true;
-        open_.push_back(scope);
+        open_.push_back(scope_of_.at(region));
         return;
     }
     const auto scope = static_cast<uint32_t>(scopes_.size());
@@ -24,6 +24,11 @@ void Variables::open_scope(RegionKind kind, std::string_view name) {
 }
 
 void Variables::add(const Variable &variable, uint32_t number) {
+    if (open_.empty()) {
+        remarks_.add(Oddity::outside, variable.line, variable.name);
+        outside_.push_back(number);
+        return;
+    }
     const auto index = static_cast<uint32_t>(held_.size());
     held_.push_back({.name = names_.size(),
                      .name_length = static_cast<uint32_t>(variable.name.size()),
@@ -34,6 +39,7 @@ void Variables::add(const Variable &variable, uint32_t number) {
                      .right = variable.right,
                      .word = variable.word,
                      .next = none,
+                     .line = variable.line,
                      .use = variable.use,
                      .mode = variable.mode,
                      .has_range = variable.has_range,
@@ -44,8 +50,19 @@ void Variables::add(const Variable &variable, uint32_t number) {
     scope.last = index;
 }
 
+void Variables::set_modes(const std::vector<Mode> &modes) {
+    for (Held &held : held_) {
+        if (held.use == VariableUse::port) {
+            held.mode = modes[held.number];
+        }
+    }
+}
+
 bool Variables::finish(uint32_t numbers) {
     targets_.assign(numbers, {});
+    for (const uint32_t number : outside_) {
+        targets_[number].shape = Target::ignored;
+    }
     for (const Scope &scope : scopes_) {
         if (!declare_scope(scope)) {
             return false;
@@ -58,27 +75,37 @@ bool Variables::finish(uint32_t numbers) {
 bool Variables::declare_scope(const Scope &scope) {
     Groups groups = collect_groups(scope);
     for (uint32_t index = scope.first; index != none; index = held_[index].next) {
-        const Held &held = held_[index];
-        if (held.use == VariableUse::ignored) {
-            add_target(held.number, {.slot = 0, .shape = Target::ignored});
-            continue;
-        }
-        if (held.use == VariableUse::real) {
-            if (!declare_real(scope, held)) {
-                return false;
-            }
-            continue;
-        }
-        Group *group = held.is_part() ? &groups.at(base_of(held)) : nullptr;
-        if (group == nullptr || !group->is_joined) {
-            if (!declare_alone(scope, held)) {
-                return false;
-            }
-        } else if (!group->is_done && !declare_group(scope, *group)) {
+        if (!declare(scope, held_[index], groups)) {
             return false;
         }
     }
     return true;
+}
+
+bool Variables::declare(const Scope &scope, const Held &held, Groups &groups) {
+    if (held.use == VariableUse::ignored) {
+        add_target(held, {.slot = 0, .shape = Target::ignored});
+        return true;
+    }
+    if (held.use == VariableUse::real) {
+        return declare_real(scope, held);
+    }
+    Group *group = held.is_part() ? &groups.at(base_of(held)) : nullptr;
+    if (group != nullptr && group->is_joined) {
+        return group->is_done || declare_group(scope, *group);
+    }
+    if (is_called_like_a_bit(held, groups)) {
+        pass_over(held);
+        return true;
+    }
+    return declare_alone(scope, held);
+}
+
+void Variables::pass_over(const Held &held) {
+    std::string name(name_of(held));
+    name += held.has_index ? "[" + std::to_string(held.left) + "]" : "";
+    remarks_.add(Oddity::repeated_name, held.line, name);
+    add_target(held, {.slot = 0, .shape = Target::ignored});
 }
 
 // Bits and words by the name that they are parts of, those that can be joined marked.
@@ -86,24 +113,60 @@ Variables::Groups Variables::collect_groups(const Scope &scope) {
     Groups groups;
     for (uint32_t index = scope.first; index != none; index = held_[index].next) {
         const Held &held = held_[index];
-        if (held.is_part() && held.use != VariableUse::ignored && held.use != VariableUse::real) {
-            groups[base_of(held)].members.push_back(index);
+        if (!held.is_bits()) {
+            continue;
+        }
+        std::string_view base = base_of(held);
+        int32_t bit = 0;
+        if (held.is_part()) {
+            groups[base].members.push_back(index);
+        } else if (held.width == 1 && split_index(base, bit)) {
+            groups[base];
         }
     }
     if (groups.empty()) {
         return groups;
     }
     for (auto &[base, group] : groups) {
-        group.is_joined = can_join(group);
+        group.is_joined = !group.members.empty() && can_join(group);
     }
+    find_whole_names(scope, groups);
+    return groups;
+}
+
+// Where the plain name is declared, too, nothing is joined.
+void Variables::find_whole_names(const Scope &scope, Groups &groups) const {
     for (uint32_t index = scope.first; index != none; index = held_[index].next) {
-        const auto same_name =
-            held_[index].is_part() ? groups.end() : groups.find(name_of(held_[index]));
+        const Held &held = held_[index];
+        const auto same_name = held.is_part() ? groups.end() : groups.find(name_of(held));
         if (same_name != groups.end()) {
-            same_name->second.is_joined = false;
+            Group &group = same_name->second;
+            group.is_joined = false;
+            group.whole = held.is_bits() && group.whole == none ? index : group.whole;
         }
     }
-    return groups;
+}
+
+// A bit beside a vector that has a bit of this name. (A report writes an index and brackets that
+// belong to the name alike.)
+bool Variables::is_called_like_a_bit(const Held &held, const Groups &groups) {
+    std::string_view base = base_of(held);
+    int32_t bit = held.left;
+    if (held.width != 1 || held.has_range || (!held.has_index && !split_index(base, bit))) {
+        return false;
+    }
+    const auto found = groups.find(base);
+    if (found == groups.end()) {
+        return false;
+    }
+    const Group &group = found->second;
+    if (group.is_joined) {
+        const auto [low, high] =
+            std::minmax({held_[group.members.front()].part(), held_[group.members.back()].part()});
+        return low <= bit && bit <= high;
+    }
+    const Type *whole = group.whole == none ? nullptr : vector_type(held_[group.whole]);
+    return whole != nullptr && whole->is_composite() && whole->position_of(bit) >= 0;
 }
 
 // Brings the members into the order of the array's elements, each once, and says whether they make
@@ -130,9 +193,9 @@ bool Variables::are_alike(const std::vector<uint32_t> &members) const {
     const Held &first = held_[members.front()];
     return std::all_of(members.begin(), members.end(), [&](uint32_t index) {
         const Held &held = held_[index];
-        return held.use == first.use && held.mode == first.mode &&
-               held.has_index == first.has_index && held.width == first.width &&
-               held.has_range == first.has_range &&
+        const bool same_way = held.mode == first.mode || held.use == VariableUse::port;
+        return held.use == first.use && same_way && held.has_index == first.has_index &&
+               held.width == first.width && held.has_range == first.has_range &&
                (held.has_index || (held.left == first.left && held.right == first.right));
     });
 }
@@ -178,38 +241,47 @@ bool Variables::declare_group(const Scope &scope, Group &group) {
         slot = design_.new_storage(type);
         for (const uint32_t index : members) {
             const auto place = static_cast<uint32_t>(std::abs(int64_t{held_[index].part()} - left));
-            add_target(held_[index].number, {slot + place * element->slots, element->slots});
+            add_target(held_[index], {slot + place * element->slots, element->slots});
         }
     }
-    return add_signal(scope, base_of(first), type, first.mode, slot);
+    const bool all_one_way = std::all_of(members.begin(), members.end(), [&](uint32_t index) {
+        return held_[index].mode == first.mode;
+    });
+    return add_signal(scope, base_of(first), type, all_one_way ? first.mode : Mode::inout, slot);
 }
 
 bool Variables::declare_alone(const Scope &scope, const Held &held) {
     const Type *type = vector_type(held);
-    const Slot slot = storage_for(held.number, held.width, type);
     if (!held.has_index) {
-        return add_signal(scope, name_of(held), type, held.mode, slot);
+        return declare_once(scope, held, name_of(held), held.width, type);
     }
     const std::string name = std::string(name_of(held)) + "[" + std::to_string(held.left) + "]";
-    return add_signal(scope, name, type, held.mode, slot);
+    return declare_once(scope, held, name, held.width, type);
 }
 
 bool Variables::declare_real(const Scope &scope, const Held &held) {
     real_ = real_ == nullptr ? design_.types.real() : real_;
-    const Slot slot = storage_for(held.number, Target::real, real_);
-    return add_signal(scope, name_of(held), real_, held.mode, slot);
+    return declare_once(scope, held, name_of(held), Target::real, real_);
+}
+
+// Unless the scope has a signal of that name: then it is the same, declared again, or passed over.
+bool Variables::declare_once(const Scope &scope, const Held &held, std::string_view name,
+                             uint32_t shape, const Type *type) {
+    const Signal *before = design_.find_local(scope.region, name);
+    if (before == nullptr) {
+        return add_signal(scope, name, type, held.mode, storage_for(held, shape, type));
+    }
+    const Target *target = find_target(held.number, shape);
+    if (target == nullptr || target->slot != before->slot || before->type != type) {
+        pass_over(held);
+    }
+    return true;
 }
 
 bool Variables::add_signal(const Scope &scope, std::string_view name, const Type *type, Mode mode,
                            Slot slot) {
     if (slot == no_slot) {
         return false;
-    }
-    if (scope.reopened) {
-        const Signal *before = design_.find_local(scope.region, name);
-        if (before != nullptr && before->slot == slot && before->type == type) {
-            return true;
-        }
     }
     design_.add_signal(scope.region, name, type, mode, slot);
     return true;
@@ -228,23 +300,26 @@ const Target *Variables::find_target(uint32_t number, uint32_t shape) const {
     return same == more->second.end() ? nullptr : &*same;
 }
 
-void Variables::add_target(uint32_t number, Target target) {
-    Target &first = targets_[number];
+void Variables::add_target(const Held &held, Target target) {
+    Target &first = targets_[held.number];
     if (first.shape == Target::undeclared || first.shape == Target::ignored) {
         first = target;
     } else if (target.shape != Target::ignored) {
-        more_[number].push_back(target);
+        if (target.shape != first.shape) {
+            remarks_.add(Oddity::several_widths, held.line, name_of(held));
+        }
+        more_[held.number].push_back(target);
     }
 }
 
 // The storage that this number has for this shape, made when it has none yet.
-Slot Variables::storage_for(uint32_t number, uint32_t shape, const Type *type) {
-    const Target *known = find_target(number, shape);
+Slot Variables::storage_for(const Held &held, uint32_t shape, const Type *type) {
+    const Target *known = find_target(held.number, shape);
     if (known != nullptr) {
         return known->slot;
     }
     const Slot slot = design_.new_storage(type);
-    add_target(number, {slot, shape});
+    add_target(held, {slot, shape});
     return slot;
 }
 

@@ -183,6 +183,7 @@ int run_waveform(Transcript &transcript, ProgressMeter &meter, const Options &op
                           .resolution_exponent = design.resolution_exponent});
         });
     }
+    source->on_warning([&](const std::string &text) { transcript.print("Warning: " + text); });
     const bool loaded = source->load(design);
     meter.clear();
     if (!loaded) {

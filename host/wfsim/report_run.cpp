@@ -26,14 +26,19 @@ bool survives_splitting(const std::string &word) {
     return word.find_first_of(" ,") == std::string::npos;
 }
 
+// Those with signals, when there are any: waveforms of VHDL may show packages as modules.
 std::vector<std::string> top_modules(Design &design) {
     std::vector<std::string> names;
+    std::vector<std::string> with_signals;
     for (const Region *root : design.roots()) {
         if (root->kind != RegionKind::package) {
             names.push_back(design.full_name(root));
+            if (Design::holds_signals(root)) {
+                with_signals.push_back(names.back());
+            }
         }
     }
-    return names;
+    return with_signals.empty() ? names : with_signals;
 }
 
 std::string joined(const std::vector<std::string> &words) {

@@ -150,10 +150,14 @@ class CommandLines(Folder):
                 self.expect(self.wfsim(*arguments, "t.vcd"), status, START + output)
 
     def test_several_top_modules_need_a_choice(self):
-        (self.folder / "two.vcd").write_text(
-            HEADER.replace("$endd", "$scope module glbl $end\n$upscope $end\n$endd") + EVENTS)
-        self.expect(self.wfsim("two.vcd", "-saif", "o.saif"), 2,
-                    START + "Error: several modules at the top; choose with -instance: /tb /glbl\n")
+        tops = HEADER.replace("$endd", "$scope module glbl $end\n%s$upscope $end\n$endd")
+        for variable, status, output in [
+                ("", 0, recorded(0, 40)),  # a package, perhaps: the one with signals is meant
+                ("$var wire 1 ~ gsr $end\n", 2,
+                 "Error: several modules at the top; choose with -instance: /tb /glbl\n")]:
+            with self.subTest(variable):
+                (self.folder / "two.vcd").write_text(tops % variable + EVENTS)
+                self.expect(self.wfsim("two.vcd", "-saif", "o.saif"), status, START + output)
 
     def test_commands_from_standard_input(self):
         wrong = 'Error: <stdin>:%d: invalid command name "nonsense"\n'

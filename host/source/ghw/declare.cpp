@@ -69,7 +69,7 @@ void Declarations::collect_places(const Type *type, Slot offset) {
 bool Declarations::check_leaves(const SignalEntry &signal) {
     for (std::size_t i = 0; i < places_.size(); ++i) {
         const uint32_t number = signal.leaves[i];
-        if (!ids_.is_near(number)) {
+        if (!ids_.is_near(number, places_.size())) {
             return tokens_.fault("the numbers of scalars one after the other",
                                  std::to_string(number));
         }

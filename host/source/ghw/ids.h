@@ -33,9 +33,12 @@ static_assert(sizeof(Leaf) == 8);
 class IdTable {
   public:
     // --- while the declarations are read ---
-    // How many numbers beyond those known may be left out; they have to follow sooner or later.
+    // How many numbers beyond those known, and beyond the `own` ones of the signal at hand, may be
+    // left out; they have to follow sooner or later.
     static constexpr uint32_t furthest = 1U << 20;
-    bool is_near(uint32_t number) const { return number <= leaves_.size() + furthest; }
+    bool is_near(uint32_t number, std::size_t own) const {
+        return number <= leaves_.size() + own + furthest;
+    }
     // The first place of a number; its form is none when it has no place yet.
     Leaf first(uint32_t number) const {
         return number <= leaves_.size() ? leaves_[number - 1] : Leaf{};

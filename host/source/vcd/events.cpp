@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
+#include <utility>
 
 namespace wf::vcd {
 namespace {
@@ -36,31 +38,33 @@ bool is_digit(char character) {
 constexpr std::array<uint8_t, 256> bit_values =
     table_of({"uU", "xX", "0", "1", "zZ", "wW", "lL", "hH", "-"});
 
-Events::Events(Tokens &tokens, const IdTable &ids)
+Events::Events(Tokens &tokens, const IdTable &ids, Warn warn)
     : tokens_(tokens),
       ids_(ids),
       widest_(ids.widest()),
       // Some tools write every value with the same number of digits.
       capacity_(std::max<uint32_t>(widest_, 4096)),
-      digits_(std::size_t{widest_} + capacity_ + 24) {
+      digits_(std::size_t{widest_} + capacity_ + 24),
+      warn_(std::move(warn)) {
 }
 
-// Ids longer than eight characters, unknown ones, and those at the end of the buffer.
+// Ids longer than eight characters, unknown ones, those at the end of the buffer, and those that
+// stand apart from a scalar's value.
 Events::Step Events::read_odd_reference(const char *at, const char *code, Reference &reference) {
+    const bool apart = code < tokens_.end() && is_blank(*code);
+    code = skip_blanks(code);
     const char *end = skip_word(code);
     if (end >= tokens_.end()) {
         return Step::more;
     }
     reference.code = std::string_view(code, static_cast<std::size_t>(end - code));
-    if (reference.code.empty()) {
-        return fault(at, "an identifier code right after " + quoted({at, 1}), "a blank");
-    }
     reference.target = ids_.find_text(reference.code);
     reference.after = end + 1;
-    if (reference.target.shape == Target::undeclared) {
-        return fault(at, "an identifier code that was declared", quoted(reference.code));
+    if (reference.target.shape != Target::undeclared) {
+        return Step::done;
     }
-    return Step::done;
+    return apart ? fault(at, "an identifier code right after " + quoted({at, 1}), "a blank")
+                 : fault(at, "an identifier code that was declared", quoted(reference.code));
 }
 
 Events::Step Events::read_port_states(const char *at, uint32_t &count, const char *&code) {
@@ -92,8 +96,28 @@ Events::Step Events::read_real(const char *at, double &value, const char *&code)
         return Step::more;
     }
     const auto result = std::from_chars(at + 1, end, value);
-    const bool is_number = result.ptr == end && result.ec == std::errc();
-    return is_number ? Step::done : fault_at_word(at, "a real number");
+    if (result.ec != std::errc() || result.ptr != end) {
+        // Beyond the range, x, or no number at all.
+        value = std::numeric_limits<double>::quiet_NaN();
+    }
+    return Step::done;
+}
+
+void Events::warn_of_number(const char *at) {
+    if (!std::exchange(numbered_bits_, true)) {
+        warn_(tokens_.place_text(at) + "a number for bits makes them unknown: " + word_at(at));
+    }
+}
+
+// The value of a vector without bits.
+Events::Step Events::null_vector(const char *&at, const char *code) {
+    Reference reference;
+    const Step step = read_reference(at, code, reference);
+    if (step == Step::done && reference.target.shape != Target::ignored) {
+        return fault_in_digits(at, 0);
+    }
+    at = step == Step::done ? reference.after : at;
+    return step;
 }
 
 // A string's value has no place in a design; only its code is looked at.
@@ -126,7 +150,7 @@ Events::Step Events::read_time(const char *at, Ticks &value, const char *&after)
 }
 
 // Sections may be longer than the buffer; they are read by the token.
-Events::Step Events::section(const char *&at) {
+Events::Step Events::read_section(const char *&at, Ticks &end) {
     tokens_.move_to(at);
     const std::string keyword(tokens_.next());
     Step step = Step::done;
@@ -139,6 +163,8 @@ Events::Step Events::section(const char *&at) {
                keyword == "$upscope" || keyword == "$enddefinitions" || keyword == "$timescale") {
         error_ = tokens_.fault("a value change or a time");
         step = Step::fault;
+    } else if (keyword == "$vcdclose") {
+        step = read_closing_time(end);
     } else if (!tokens_.skip_past("$end")) {
         error_ = tokens_.fault("$end of " + keyword);
         step = Step::fault;
@@ -147,9 +173,57 @@ Events::Step Events::section(const char *&at) {
     return step;
 }
 
+// The end of the simulation, which may be later than the last change.
+Events::Step Events::read_closing_time(Ticks &end) {
+    std::string_view token = tokens_.next();
+    for (; !token.empty() && token != "$end"; token = tokens_.next()) {
+        Ticks value = 0;
+        const char *stop = token.data() + token.size();
+        const auto result = std::from_chars(token.data() + 1, stop, value);
+        if (token[0] == '#' && result.ec == std::errc() && result.ptr == stop) {
+            end = std::max(end, value);
+        }
+    }
+    if (token.empty()) {
+        error_ = tokens_.fault("$end of $vcdclose");
+        return Step::fault;
+    }
+    return Step::done;
+}
+
+bool Events::take_last_line(const char *at) {
+    if (at == tokens_.end() || tokens_.input_failed() || !last_line_.empty()) {
+        return false;
+    }
+    last_line_.assign(at, tokens_.end());
+    last_place_ = tokens_.place_text(at);
+    tokens_.close_last_line();
+    return true;
+}
+
+// A time that was cut is the end; a change that was cut is damage.
+EventsEnd Events::finish_cut_line(const char *at) {
+    error_.clear();
+    if (last_line_[0] != '#' ||
+        last_line_.find_first_not_of("0123456789", 1) != std::string::npos) {
+        fault(at, "a complete line", quoted(last_line_) + " and " + tokens_.end_text());
+        return EventsEnd::damaged;
+    }
+    warn_(last_place_ + "the last line has no line end and is left out: " + quoted(last_line_));
+    last_line_.clear();
+    return finish(tokens_.end());
+}
+
 // What is left over when the data has ended.
 EventsEnd Events::finish(const char *at) {
     tokens_.move_to(at);
+    if (at < tokens_.end() && !last_line_.empty()) {
+        return finish_cut_line(at);
+    }
+    if (!last_line_.empty() && last_line_[0] != '#') {
+        warn_(last_place_ +
+              "the last line has no line end and is taken as it stands: " + quoted(last_line_));
+    }
     if (at < tokens_.end()) {
         const std::string_view rest(at, static_cast<std::size_t>(tokens_.end() - at));
         fault(at, "a complete line", quoted(rest) + " and " + tokens_.end_text());
@@ -200,8 +274,12 @@ Events::Step Events::fault(const char *at, std::string_view expected, std::strin
 }
 
 Events::Step Events::fault_at_word(const char *at, std::string_view expected) {
+    return fault(at, expected, word_at(at));
+}
+
+std::string Events::word_at(const char *at) const {
     const char *end = std::max(skip_word(at), at + 1);
-    return fault(at, expected, quoted({at, static_cast<std::size_t>(end - at)}));
+    return quoted({at, static_cast<std::size_t>(end - at)});
 }
 
 Events::Step Events::fault_in_digits(const char *at, uint32_t count) {

@@ -18,15 +18,24 @@
 //   surplus is what an extension would have added, else refused. A scalar change of a vector is a
 //   value of one digit.
 // - x and z may be capitals; the other letters of std_logic (u w l h -) are taken as they are.
-// - A last line without its line end is a file that was cut off, perhaps inside a code or a time:
-//   its change is not applied.
-// - $dumpvars and its like need their $end, but times may stand inside.
+// - A last line without its line end counts when it is complete as it stands, which a cut can make
+//   of a longer one, so a change there is warned of. A time there is the end; one that is earlier
+//   than the last, or has no digits, was cut, and is left out with a warning. Anything else that is
+//   incomplete is a file that was cut off.
+// - A number has no place in a bit: it makes the bit unknown, with a warning for the first. Any
+// text
+//   will do for a number, since no number is counted.
+// - Values of no digits belong to vectors of no bits.
+// - $dumpvars and its like need their $end, but times may stand inside. The time in $vcdclose is
+// the
+//   end.
 #pragma once
 
 #include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,8 +60,11 @@ inline constexpr std::array<uint8_t, 9> extensions = {0, 1, 2, 2, 4, 5, 2, 2, 8}
 
 class Events {
   public:
+    // Told what is read otherwise than it stands, `file:line: text`.
+    using Warn = std::function<void(const std::string &)>;
+
     // Reads from where `tokens` stands, behind the declarations. Both outlive this object.
-    Events(Tokens &tokens, const IdTable &ids);
+    Events(Tokens &tokens, const IdTable &ids, Warn warn);
 
     // Feeds the sink until it says stop, the data ends, or it makes no sense.
     template <typename Sink>
@@ -88,9 +100,14 @@ class Events {
     Step real(const char *&at, Sink &sink);
     template <typename Sink>
     Step time(const char *&at, Sink &sink);
+    template <typename Sink>
+    Step section(const char *&at, Sink &sink);
     Step text(const char *&at);
-    Step section(const char *&at);
+    Step null_vector(const char *&at, const char *code);
+    // What is left at `at`, once there is no more data: whether it can be read as a line.
+    bool take_last_line(const char *at);
     EventsEnd finish(const char *at);
+    EventsEnd finish_cut_line(const char *at);
 
     // Hands over the `count` digits that lie at first_digit().
     template <typename Sink>
@@ -111,9 +128,13 @@ class Events {
     Step read_port_states(const char *at, uint32_t &count, const char *&code);
     Step read_real(const char *at, double &value, const char *&code);
     Step read_time(const char *at, Ticks &value, const char *&after);
+    Step read_section(const char *&at, Ticks &end);
+    Step read_closing_time(Ticks &end);
 
     const char *skip_blanks(const char *text) const;
     const char *skip_word(const char *text) const;
+    std::string word_at(const char *at) const;
+    void warn_of_number(const char *at);
     Step fault(const char *at, std::string_view expected, std::string_view got);
     Step fault_at_word(const char *at, std::string_view expected);
     Step fault_in_digits(const char *at, uint32_t count);
@@ -127,6 +148,10 @@ class Events {
     Ticks time_ = 0;               // the last that was read
     std::string block_;            // the $dump section that is open
     bool block_timed_ = false;     // a time stood in it
+    std::string last_line_;        // the last line, when it has no line end
+    std::string last_place_;       // and where that is
+    bool numbered_bits_ = false;   // a number has stood for bits
+    Warn warn_;
     std::string error_;
 };
 
@@ -149,12 +174,14 @@ EventsEnd Events::run(Sink &sink) {
         const char *place = at;
         const Step step = value != no_value ? bit(place, value, sink) : other(place, sink);
         at = place;
-        if (step == Step::more && !tokens_.more(at)) {
+        if (step == Step::more && !tokens_.more(at) && !take_last_line(at)) {
             return finish(at);
         }
         if (step == Step::stop || step == Step::fault) {
             tokens_.move_to(at);
-            return step == Step::stop ? EventsEnd::stopped : EventsEnd::damaged;
+            return step == Step::stop   ? EventsEnd::stopped
+                   : last_line_.empty() ? EventsEnd::damaged
+                                        : finish_cut_line(at);
         }
     }
 }
@@ -177,7 +204,7 @@ Events::Step Events::other(const char *&at, Sink &sink) {
             at = skip_blanks(at);
             return Step::done;
         case '$':
-            return section(at);
+            return section(at, sink);
         case 'r':
         case 'R':
             return real(at, sink);
@@ -214,7 +241,7 @@ Events::Step Events::vector(const char *&at, Sink &sink) {
         return Step::more;
     }
     if (!is_blank(*behind) || count == 0) [[unlikely]] {
-        return fault_in_digits(at, count);
+        return is_blank(at[1]) ? null_vector(at, skip_blanks(behind)) : fault_in_digits(at, count);
     }
     Reference reference;
     Step step = read_reference(at, skip_blanks(behind), reference);
@@ -259,7 +286,9 @@ Events::Step Events::real(const char *&at, Sink &sink) {
         if (one->shape == Target::real) {
             sink.real(one->slot, value);
         } else if (one->is_bits()) {
-            return fault_at_word(at, "a value of bits for " + quoted(reference.code));
+            warn_of_number(at);
+            *first_digit() = bit_values['x'];
+            put_bits(*one, 1, sink);
         }
     }
     at = reference.after;
@@ -281,6 +310,17 @@ Events::Step Events::time(const char *&at, Sink &sink) {
     }
     time_ = value;
     return sink.time(value) ? Step::done : Step::stop;
+}
+
+template <typename Sink>
+Events::Step Events::section(const char *&at, Sink &sink) {
+    Ticks end = time_;
+    const Step step = read_section(at, end);
+    if (step != Step::done || end == time_) {
+        return step;
+    }
+    time_ = end;
+    return sink.time(end) ? Step::done : Step::stop;
 }
 
 // A change of bits leaves a number as it is: a real has no x for $dumpoff.

@@ -84,10 +84,14 @@ bool read_timescale(std::string_view text, int &exponent) {
     return true;
 }
 
+bool is_bits(const Variable &variable) {
+    return variable.use == VariableUse::bits || variable.use == VariableUse::port;
+}
+
 class HeaderReader {
   public:
-    HeaderReader(Tokens &tokens, HeaderSink &sink, std::string *error)
-        : tokens_(tokens), sink_(sink), error_(error) {}
+    HeaderReader(Tokens &tokens, HeaderSink &sink, Remarks &remarks, std::string *error)
+        : tokens_(tokens), sink_(sink), remarks_(remarks), error_(error) {}
 
     bool read();
 
@@ -102,6 +106,7 @@ class HeaderReader {
     bool read_word(std::string_view expected);
     bool read_rest(std::string_view section);
     bool read_name(Variable &variable);
+    void pass_over(Variable &variable, Oddity oddity);
     bool read_end(std::string_view section);
     bool skip_section(std::string_view section);
     bool fault(std::string_view expected) {
@@ -116,8 +121,10 @@ class HeaderReader {
 
     Tokens &tokens_;
     HeaderSink &sink_;
+    Remarks &remarks_;
     std::string *error_;
-    uint32_t depth_ = 0;  // open scopes
+    uint32_t depth_ = 0;         // open scopes
+    bool kind_is_known_ = true;  // of the variable that is being read
     // Kept from one variable to the next for their capacity.
     std::string code_;
     std::string name_;
@@ -230,12 +237,13 @@ bool HeaderReader::read_kind(Variable &variable) {
     const std::string_view text = tokens_.next();
     const auto *known = std::find_if(std::begin(variable_names), std::end(variable_names),
                                      [&](const VariableName &name) { return name.text == text; });
-    if (known == std::end(variable_names)) {
+    if (text.empty() || text[0] == '$') {
         return fault("the kind of a variable");
     }
-    variable.use = known->use;
+    kind_is_known_ = known != std::end(variable_names);
+    variable.use = kind_is_known_ ? known->use : VariableUse::bits;
     // The dump of a module's ports does not say which way they go.
-    variable.mode = known->use == VariableUse::port ? Mode::inout : Mode::internal;
+    variable.mode = variable.use == VariableUse::port ? Mode::inout : Mode::internal;
     return true;
 }
 
@@ -249,9 +257,8 @@ bool HeaderReader::read_width(Variable &variable) {
     } else if (!read_number(text, width)) {
         return fault("a width in bits");
     }
-    const bool is_bits = variable.use == VariableUse::bits || variable.use == VariableUse::port;
-    if (is_bits && (width == 0 || width > max_width)) {
-        return fault("a width of 1 to " + std::to_string(max_width) + " bits");
+    if (is_bits(variable) && width > max_width) {
+        return fault("a width of 0 to " + std::to_string(max_width) + " bits");
     }
     variable.width = static_cast<uint32_t>(std::min<uint64_t>(width, UINT32_MAX));
     return true;
@@ -283,20 +290,19 @@ bool HeaderReader::read_name(Variable &variable) {
     if (!read_word("the name of a variable") || !read_rest("$var")) {
         return false;
     }
-    const std::string_view range = split_name(name_, variable);
-    const bool is_bits = variable.use == VariableUse::bits || variable.use == VariableUse::port;
-    if (is_bits && variable.has_range &&
-        range_width(variable.left, variable.right) != variable.width) {
-        return fault("a range of " + std::to_string(variable.width) + " bits", range);
-    }
+    split_name(name_, variable);
     return !variable.name.empty() || fault("the name of a variable", name_);
+}
+
+// Bits that belong to nothing that a design can have.
+void HeaderReader::pass_over(Variable &variable, Oddity oddity) {
+    remarks_.add(oddity, variable.line, name_);
+    variable.use = VariableUse::ignored;
 }
 
 bool HeaderReader::read_variable() {
     Variable variable;
-    if (depth_ == 0) {
-        return fault("$scope before the first $var");
-    }
+    variable.line = static_cast<uint32_t>(std::min<uint64_t>(tokens_.line(), UINT32_MAX));
     if (!read_kind(variable) || !read_width(variable)) {
         return false;
     }
@@ -308,14 +314,23 @@ bool HeaderReader::read_variable() {
     if (!read_name(variable)) {
         return false;
     }
+    if (!kind_is_known_) {
+        remarks_.add(Oddity::unknown_kind, variable.line, name_);
+    }
+    if (is_bits(variable) && variable.width == 0) {
+        pass_over(variable, Oddity::no_bits);
+    } else if (is_bits(variable) && variable.has_range &&
+               range_width(variable.left, variable.right) != variable.width) {
+        pass_over(variable, Oddity::odd_range);
+    }
     sink_.variable(variable);
     return true;
 }
 
 }  // namespace
 
-bool read_header(Tokens &tokens, HeaderSink &sink, std::string *error) {
-    return HeaderReader(tokens, sink, error).read();
+bool read_header(Tokens &tokens, HeaderSink &sink, Remarks &remarks, std::string *error) {
+    return HeaderReader(tokens, sink, remarks, error).read();
 }
 
 }  // namespace wf::vcd

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The declarations of a VCD file, section by section, up to $enddefinitions. Reads and checks them,
-// and hands each to a sink; what they mean for a design is the sink's business.
+// and hands each to a sink; what they mean for a design is the sink's business. A variable that
+// cannot be shown is handed over as one to be ignored, since its values will come.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include <string_view>
 
 #include "host/design/region.h"
+#include "host/source/remarks.h"
 #include "host/source/variables.h"
 #include "host/source/vcd/tokens.h"
 
@@ -28,7 +30,9 @@ class HeaderSink {
     virtual void variable(const Variable &variable) = 0;
 };
 
-// Reads to the end of $enddefinitions. False: `*error` is `file:line: expected X, got Y`.
-bool read_header(Tokens &tokens, HeaderSink &sink, std::string *error);
+// Reads to the end of $enddefinitions; what of it is not read as it stands goes to `remarks`.
+// False:
+// `*error` is `file:line: expected X, got Y`.
+bool read_header(Tokens &tokens, HeaderSink &sink, Remarks &remarks, std::string *error);
 
 }  // namespace wf::vcd

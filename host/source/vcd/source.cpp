@@ -66,15 +66,13 @@ bool VcdSource::load(Design &design) {
 }
 
 bool VcdSource::read_declarations(Design &design) {
-    Declarations declarations(design, ids_);
-    if (!read_header(tokens_, declarations, &state_.error)) {
+    Remarks remarks;
+    if (!declare(tokens_, design, ids_, remarks, &state_.error)) {
         return false;
     }
-    if (!declarations.finish()) {
-        state_.error = tokens_.fault("a design of at most 4294967294 bits", "a larger one");
-        return false;
-    }
-    events_.emplace(tokens_, ids_);
+    const auto listener = [this](const std::string &text) { warn(text); };
+    remarks.tell(tokens_.input().name(), listener);
+    events_.emplace(tokens_, ids_, listener);
     return true;
 }
 

@@ -35,8 +35,7 @@ uint64_t count_line_ends(const char *from, const char *to) {
 
 Tokens::Tokens(std::unique_ptr<Input> input, std::size_t block)
     : input_(std::move(input)), buffer_(block + slack) {
-    cursor_ = buffer_.data();
-    end_ = cursor_;
+    cursor_ = counted_ = end_ = buffer_.data();
 }
 
 // Makes the buffer larger when what is kept fills more than half of it.
@@ -58,7 +57,8 @@ bool Tokens::more(const char *&keep) {
     if (!ended_) {
         make_room(kept);
     }
-    keep = cursor_ = buffer_.data();
+    keep = cursor_ = counted_ = buffer_.data();
+    lines_counted_ = 0;
     char *free = buffer_.data() + kept;
     const std::size_t room = buffer_.size() - slack - kept;
     const std::size_t count = ended_ ? 0 : input_->read(free, room);
@@ -69,6 +69,11 @@ bool Tokens::more(const char *&keep) {
         listener_();
     }
     return count > 0;
+}
+
+void Tokens::close_last_line() {
+    buffer_[static_cast<std::size_t>(end_ - buffer_.data())] = ' ';
+    ++end_;
 }
 
 std::string_view Tokens::next() {
@@ -115,24 +120,18 @@ std::string Tokens::fault(std::string_view expected, std::string_view got) const
 
 std::string Tokens::fault_at(const char *place, std::string_view expected,
                              std::string_view got) const {
-    const uint64_t line = lines_before_ + count_line_ends(buffer_.data(), place) + 1;
-    std::string text = input_->name() + ":" + std::to_string(line) + ": expected ";
-    return text.append(expected).append(", got ").append(got);
+    return place_text(place).append("expected ").append(expected).append(", got ").append(got);
 }
 
-std::string quoted(std::string_view text) {
-    constexpr std::size_t shown = 40;
-    std::string result = "'";
-    for (const char character : text.substr(0, shown)) {
-        if (character > ' ' && character < 0x7f) {
-            result += character;
-        } else {
-            constexpr char digits[] = "0123456789abcdef";
-            const auto byte = static_cast<unsigned char>(character);
-            result += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
-        }
-    }
-    return result + (text.size() > shown ? "...'" : "'");
+std::string Tokens::place_text(const char *place) const {
+    const uint64_t line = lines_before_ + count_line_ends(buffer_.data(), place) + 1;
+    return input_->name() + ":" + std::to_string(line) + ": ";
+}
+
+uint64_t Tokens::line() {
+    lines_counted_ += count_line_ends(counted_, token_.data());
+    counted_ = token_.data();
+    return lines_before_ + lines_counted_ + 1;
 }
 
 }  // namespace wf::vcd

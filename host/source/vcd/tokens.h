@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/source/input.h"
+#include "host/source/quoted.h"
 
 namespace wf::vcd {
 
@@ -25,7 +26,7 @@ class Tokens {
     static constexpr std::size_t default_block = std::size_t{1} << 17;
     // The longest token, or value with its identifier code, that is accepted. Bytes.
     static constexpr std::size_t longest = std::size_t{17} << 20;
-    static constexpr std::size_t slack = 16;
+    static constexpr std::size_t slack = 24;
 
     explicit Tokens(std::unique_ptr<Input> input, std::size_t block = default_block);
 
@@ -44,8 +45,14 @@ class Tokens {
     // error.
     bool more(const char *&keep);
     bool input_failed() const { return overlong_ || input_->failed(); }
+    // Once there is no more: puts a blank there in place of the line end that the last line lacks.
+    void close_last_line();
 
     // --- messages ---
+    // `file:line: ` of a place in the buffer.
+    std::string place_text(const char *place) const;
+    // The line of the token that next() gave last, counted from 1. Cheap when asked for in order.
+    uint64_t line();
     // `file:line: expected X, got Y` about the token that next() gave last (or the end).
     std::string fault(std::string_view expected) const;
     // The same about `got`, a text that ended with that token.
@@ -67,14 +74,13 @@ class Tokens {
     const char *cursor_;
     const char *end_;
     std::string_view token_;
-    uint64_t lines_before_ = 0;  // line ends in what has left the buffer
-    bool ended_ = false;         // the input has nothing more to give
+    uint64_t lines_before_ = 0;   // line ends in what has left the buffer
+    const char *counted_;         // how far line() has counted in the buffer,
+    uint64_t lines_counted_ = 0;  // and how many it has met there
+    bool ended_ = false;          // the input has nothing more to give
     bool overlong_ = false;
     std::function<void()> listener_;
 };
-
-// `'text'` for a message: cut when long, unprintable bytes as \x07.
-std::string quoted(std::string_view text);
 
 inline bool is_blank(char character) {
     return static_cast<unsigned char>(character) <= ' ';

@@ -224,5 +224,18 @@ TEST(GhwDeclare, NestingHasItsLimits) {
                 testing::HasSubstr("expected at most 1000 levels of hierarchy, got more"));
 }
 
+// More scalars than may be left out, in the order that has the highest number first.
+TEST(GhwDeclare, ASignalMayBeLarge) {
+    constexpr uint32_t count = (1U << 20) + 40000;
+    const GhwBytes memory =
+        types(3).bytes({25, 1, 31, 2, 1, 1, 1, 35, 0, 2, 25, 0}).signed_number(count - 1).byte(0);
+    GhwBytes one = hierarchy(count).bytes({6, 9, 16, 1, 3});
+    for (uint32_t number = count; number > 0; --number) {
+        one.number(number);
+    }
+    const GhwReading reading = read_ghw(header(memory, one.bytes({15, 0})));
+    EXPECT_TRUE(reading.loaded) << reading.error;
+}
+
 }  // namespace
 }  // namespace wf::test

@@ -18,6 +18,7 @@ namespace wf::test {
 struct Reading {
     std::vector<std::string> design;  // a line for each region and each signal, "@" its first slot
     std::vector<std::string> events;  // "#10", "3=1", "4=01XZ", "8=1.5", "11=-4": slot = value
+    std::vector<std::string> warnings;
     int resolution = 0;
     std::string error;  // of either half
     bool loaded = false;

@@ -40,12 +40,10 @@ const DesignRow design_rows[] = {
             "$var wire 1 ) h[4] $end $var wire 1 * j [1] $end $var wire 1 + one [3] $end\n"),
      {"/top module", "  f(2:0) @0", "  r(-1:0) @3", "  j(2:0) @5", "  h(7:4) @8",
       "  one(3:3) @12"}},
-    {"bits stay apart beside a variable of their name, when far apart, or met twice",
-     in_top("$var wire 2 ! a [1:0] $end $var wire 1 \" a [1] $end\n"
-            "$var wire 1 # b [0] $end $var wire 1 $ b [1000] $end\n"
-            "$var wire 1 % c [0] $end $var wire 1 & c [0] $end\n"),
-     {"/top module", "  a(1:0) @0", "  a[1] @2", "  b[0] @3", "  b[1000] @4", "  c[0] @5",
-      "  c[0] @6"}},
+    {"bits stay apart beside a variable of their name, and when far apart",
+     in_top("$var wire 1 ! a $end $var wire 1 \" a [1] $end\n"
+            "$var wire 1 # b [0] $end $var wire 1 $ b [1000] $end\n"),
+     {"/top module", "  a @0", "  a[1] @1", "  b[0] @2", "  b[1000] @3"}},
     {"words of a memory, escaped or not, falling and rising",
      in_top("$var reg 2 ! \\m[0] [1:0] $end $var reg 2 \" \\m[1] [1:0] $end\n"
             "$var reg 3 # n[5][2:0] $end $var reg 3 $ n[4][2:0] $end $var reg 2 % k[0] $end\n"
@@ -91,13 +89,22 @@ const DesignRow design_rows[] = {
     {"a scope opened again goes on; the same declaration in it counts once, bits join",
      "$scope module t $end $var wire 1 ! a $end $var wire 1 \" b[1] $end $upscope $end\n"
      "$scope module t $end $var wire 1 ! a $end $var wire 1 # b[0] $end $var wire 1 \" b[1] $end\n"
-     "$var wire 1 $ a $end $upscope $end $enddefinitions $end\n",
-     {"/t module", "  a @0", "  b(1:0) @1", "  a @3"}},
-    {"sections anywhere, unknown ones skipped, ports of extended VCD, CRLF",
+     "$upscope $end $enddefinitions $end\n",
+     {"/t module", "  a @0", "  b(1:0) @1"}},
+    {"sections anywhere, unknown ones skipped, CRLF",
      "\r\n$date today $end\r\n$scope module t $end\r\n$comment $var $scope $end\r\n"
-     "$attrbegin misc 02 x $end\r\n$var port [3:0] <0 bus $end\r\n$var port 1 <1 p $end\r\n"
+     "$attrbegin misc 02 x $end\r\n$var wire 1 ! p $end\r\n"
      "$upscope $end\r\n$enddefinitions $end\r\n",
-     {"/t module", "  bus(3:0) inout @0", "  p inout @4"}},
+     {"/t module", "  p @0"}},
+    {"ports go as their first states say; later ones, strengths and comments say nothing",
+     in_top(
+         "$var port [3:0] <0 i $end $var port [1:0] <1 o [1:0] $end $var port 2 <2 m [0:1] $end\n"
+         "$var port 1 <3 b[1] $end $var port 1 <4 b[0] $end $var port 1 <5 late $end\n"
+         "$var port 1 <6 c[1] $end $var port 1 <7 c[0] $end") +
+         "$comment pL 0 6 <0 $end\n#0 $dumpports\npDUNZ 6666 6666 <0\npLT 66 00 <1\n"
+         "pDL 66 66 <2 pl 6 0 <3\npX 6 6 <4\npu 0 6 <6 pF 0 0 <7 $end\npL 6 6 <0 #1 pD 6 0 <5\n",
+     {"/top module", "  i(3:0) in @0", "  o(1:0) out @4", "  m(0:1) inout @6", "  b(1:0) out @8",
+      "  late inout @10", "  c(1:0) inout @11"}},
 };
 
 TEST(VcdDeclare, MakesTheDesignThatTheDeclarationsMean) {
@@ -106,6 +113,57 @@ TEST(VcdDeclare, MakesTheDesignThatTheDeclarationsMean) {
         const VcdReading reading = read_vcd(row.declarations);
         EXPECT_EQ(reading.error, "");
         EXPECT_THAT(reading.design, ElementsAreArray(row.design));
+    }
+}
+
+// What other readers' writers get wrong: the design and the events that are left, and the warning.
+TEST(VcdDeclare, PassesOverWhatCannotBeShownAndSaysSo) {
+    const struct {
+        std::string text;
+        std::vector<std::string> reading;  // the design, then the events
+        const char *warning;
+    } rows[] = {
+        {"$var wire 1 ! a $end\n" + in_top("$var wire 1 ! b $end") + "1!\n",
+         {"/top module", "  b @0", "0=1"},
+         "1: a variable outside of all scopes is passed over: 'a'"},
+        {in_top("$upscope $end\n$var wire 1 ! a $end $var wire 2 \" b $end\n$scope module u $end") +
+             "1!\nb11 \"\n",
+         {"/top module", "/u module"},
+         "3: a variable outside of all scopes is passed over: 'a' and 1 more"},
+        {in_top("$var wire 0 ! n [-1:0] $end\n$var reg 1 \" a $end") + "b !\nb  !\n1\"\n",
+         {"/top module", "  a @0", "0=1"},
+         "2: a vector of no bits is passed over: 'n[-1:0]'"},
+        {in_top("$var reg 1 \" a $end\n$var logic 8 ! n[3:0] $end") + "b11110000 !\n1\"\n",
+         {"/top module", "  a @0", "0=1"},
+         "3: a variable whose range does not fit its width is passed over: 'n[3:0]'"},
+        {in_top("$var wirr 2 ! a [1:0] $end") + "b10 !\n",
+         {"/top module", "  a(1:0) @0", "0=10"},
+         "2: a variable of an unknown kind is taken for bits: 'a[1:0]'"},
+        {in_top("$var wire 2 ! a $end $var wire 2 ! a $end\n$var wire 2 \" a $end\n"
+                "$var wire 2 ! a [0:1] $end") +
+             "b10 !\nb01 \"\n",
+         {"/top module", "  a(1:0) @0", "0=10"},
+         "3: another signal of a name that its scope has already is passed over: 'a' and 1 more"},
+        {in_top("$var wire 1 % c [0] $end\n$var wire 1 & c [0] $end") + "1%\n1&\n",
+         {"/top module", "  c[0] @0", "0=1"},
+         "3: another signal of a name that its scope has already is passed over: 'c[0]'"},
+        {in_top("$var wire 1 \" a [1] $end\n$var wire 1 # \\a[2] $end $var wire 2 ! a [1:0] $end\n"
+                "$var wire 1 $ b [0] $end $var wire 1 % \\b[0] $end") +
+             "1\"\n1#\nb10 !\n1$\n1%\n",
+         {"/top module", "  a[2] @0", "  a(1:0) @1", "  b(0:0) @3", "0=1", "1=10", "3=1"},
+         "2: another signal of a name that its scope has already is passed over: 'a[1]' and 1 "
+         "more"},
+        {in_top("$var wire 4 ! a $end\n$var wire 2 ! b $end") + "b1001 !\n",
+         {"/top module", "  a(3:0) @0", "  b(1:0) @4", "0=1001", "4=01"},
+         "3: one code stands for variables of several widths; each takes the last bits of its "
+         "values: 'b'"},
+    };
+    for (const auto &row : rows) {
+        VcdReading reading = read_vcd(row.text);
+        EXPECT_EQ(reading.error, "");
+        reading.design.insert(reading.design.end(), reading.events.begin(), reading.events.end());
+        EXPECT_THAT(reading.design, ElementsAreArray(row.reading)) << row.text;
+        EXPECT_THAT(reading.warnings, testing::ElementsAre("t.vcd:" + std::string(row.warning)));
     }
 }
 
@@ -137,11 +195,8 @@ TEST(VcdDeclare, RefusesWhatMakesNoSenseInOneMessage) {
         {"$scope module $end", 1, "the name of a scope, got '$end'"},
         {"$scope module \\a b $end", 1, "$end of $scope, got 'b'"},
         {"$upscope $end", 1, "an open $scope, got '$upscope'"},
-        {"$var wire 1 ! a $end", 1, "$scope before the first $var, got '$var'"},
-        {in_top("$var wirr 1 ! a $end"), 2, "the kind of a variable, got 'wirr'"},
+        {in_top("$var $end"), 2, "the kind of a variable, got '$end'"},
         {in_top("$var wire x ! a $end"), 2, "a width in bits, got 'x'"},
-        {in_top("$var wire 0 ! a $end"), 2, "a width of 1 to 16777216 bits, got '0'"},
-        {in_top("$var wire 4 ! a [7:0] $end"), 2, "a range of 4 bits, got '[7:0]'"},
         {in_top("$var wire 1 ! [3] $end"), 2, "the name of a variable, got '[3]'"},
         {in_top("$var wire 1 $end"), 2, "an identifier code, got '$end'"},
         {in_top("$var wire 1 ! a\n$var wire 1 \" b $end"), 3, "$end of $var, got '$var'"},

@@ -41,7 +41,8 @@ std::string vcd_signal_text(Design &design, const Signal *signal) {
         line += "(" + std::to_string(type->left) + ":" + std::to_string(type->right) + ")";
     }
     line += type->kind == TypeKind::real ? " real" : "";
-    return line + (design.mode_of(signal) == Mode::inout ? " inout" : "");
+    const char *const modes[] = {"", " in", " out", " inout"};
+    return line + modes[static_cast<int>(design.mode_of(signal))];
 }
 
 std::vector<std::string> describe(Design &design, SignalText text) {
@@ -57,16 +58,16 @@ Reading read_vcd(const std::string &text, std::size_t block, std::size_t piece) 
     Design design;
     vcd::IdTable ids;
     vcd::Tokens tokens(make_memory_input("t.vcd", text, piece), block);
-    {
-        vcd::Declarations declarations(design, ids);
-        if (!read_header(tokens, declarations, &reading.error)) {
-            return reading;
-        }
-        reading.loaded = declarations.finish();
+    const auto warn = [&](const std::string &warning) { reading.warnings.push_back(warning); };
+    Remarks remarks;
+    reading.loaded = declare(tokens, design, ids, remarks, &reading.error);
+    if (!reading.loaded) {
+        return reading;
     }
+    remarks.tell("t.vcd", warn);
     reading.design = describe(design);
     reading.resolution = design.resolution_exponent;
-    vcd::Events events(tokens, ids);
+    vcd::Events events(tokens, ids, warn);
     ListSink sink(reading, design.slot_count());
     events.run(sink);
     reading.error = events.error();
