@@ -64,6 +64,21 @@ size_t next_split(std::string_view path, size_t from, bool odd_names) {
     return from == 0 || odd_names ? path.find('/', from) : std::string_view::npos;
 }
 
+// Where no name of a region's children has a '/', there is one way down: takes it as far as that
+// holds. Paths may be deeper than the stack allows. False: there is no region of that name.
+template <typename IsOdd, typename FindChild>
+bool descend(Region *&from, std::string_view &path, IsOdd is_odd, FindChild find_child) {
+    for (size_t split = path.find('/'); split != std::string_view::npos && !is_odd(from);
+         split = path.find('/')) {
+        from = find_child(from, path.substr(0, split));
+        if (from == nullptr) {
+            return false;
+        }
+        path.remove_prefix(split + 1);
+    }
+    return true;
+}
+
 }  // namespace
 
 const std::string &Design::full_name(const Region *region) {
@@ -158,7 +173,16 @@ Region *Design::find_region(std::string_view path) {
 }
 
 Region *Design::walk_regions(Region *from, std::string_view path) {
-    const bool odd = from == nullptr ? roots_have_odd_names_ : from->has_odd_names;
+    const auto is_odd = [this](const Region *region) {
+        return region == nullptr ? roots_have_odd_names_ : region->has_odd_names;
+    };
+    const auto child_of = [this](Region *region, std::string_view name) {
+        return find_child_by_path(region, name);
+    };
+    if (!descend(from, path, is_odd, child_of)) {
+        return nullptr;
+    }
+    const bool odd = is_odd(from);
     for (size_t split = next_split(path, 0, odd); split != std::string_view::npos;
          split = next_split(path, split + 1, odd)) {
         Region *child = find_child_by_path(from, path.substr(0, split));
@@ -187,7 +211,16 @@ Signal *Design::find_path(std::string_view path, bool exact) {
 }
 
 Signal *Design::walk_signal(Region *from, std::string_view path, bool exact) {
-    const bool odd = from == nullptr ? roots_have_odd_names_ : from->has_odd_names;
+    const auto is_odd = [this](const Region *region) {
+        return region == nullptr ? roots_have_odd_names_ : region->has_odd_names;
+    };
+    const auto child_of = [this](Region *region, std::string_view name) {
+        return find_child_by_path(region, name);
+    };
+    if (!descend(from, path, is_odd, child_of)) {
+        return nullptr;
+    }
+    const bool odd = is_odd(from);
     for (size_t split = next_split(path, 0, odd); split != std::string_view::npos;
          split = next_split(path, split + 1, odd)) {
         Region *child = find_child_by_path(from, path.substr(0, split));

@@ -36,18 +36,29 @@ const std::vector<Region *> &children_of(const Design &design, const Region *reg
 // Calls collect(region) for every region whose contents the last level is to be matched with; a
 // null region stands for the place above the roots.
 template <typename Collect>
-void walk(const Design &design, Region *region, const Levels &levels, size_t level, bool recursive,
+void walk(const Design &design, Region *start, const Levels &levels, bool recursive,
           const Collect &collect) {
-    const bool last = level + 1 == levels.size();
-    if (last) {
-        collect(region);
-    }
-    if (last && !recursive) {
-        return;
-    }
-    for (Region *child : children_of(design, region)) {
-        if (last || matches(child->name, levels[level])) {
-            walk(design, child, levels, last ? level : level + 1, recursive, collect);
+    struct Place {
+        Region *region;
+        size_t level;
+    };
+    // What is left to visit, the next last: regions may nest deeper than the stack allows.
+    std::vector<Place> left = {{start, 0}};
+    while (!left.empty()) {
+        const auto [region, level] = left.back();
+        left.pop_back();
+        const bool last = level + 1 == levels.size();
+        if (last) {
+            collect(region);
+        }
+        if (last && !recursive) {
+            continue;
+        }
+        const std::vector<Region *> &children = children_of(design, region);
+        for (auto child = children.rbegin(); child != children.rend(); ++child) {
+            if (last || matches((*child)->name, levels[level])) {
+                left.push_back({*child, last ? level : level + 1});
+            }
         }
     }
 }
@@ -61,10 +72,10 @@ Paths find(Design &design, const Search &search, const Collect &collect) {
     }
     const auto collect_here = [&](Region *region) { collect(region, levels.back(), found); };
     if (!search.pattern.starts_with('/') && design.top() != nullptr) {
-        walk(design, design.top(), levels, 0, search.recursive, collect_here);
+        walk(design, design.top(), levels, search.recursive, collect_here);
     }
     if (found.empty()) {
-        walk(design, nullptr, levels, 0, search.recursive, collect_here);
+        walk(design, nullptr, levels, search.recursive, collect_here);
     }
     return found;
 }

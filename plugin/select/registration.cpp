@@ -6,6 +6,7 @@
 #include "plugin/monitor/value_change.h"
 #include "plugin/select/names.h"
 #include "plugin/select/policy.h"
+#include "plugin/support/linked_list.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"
@@ -233,24 +234,51 @@ static void register_signals_of(mtiRegionIdT region, int flag) {
     }
 }
 
-void register_region(mtiRegionIdT region) {
-    if (is_skipped(region)) {
-        return;
+// The name of a region is as long as it lies deep, so it is asked for only where it says something.
+static int32_t policy_of(mtiRegionIdT region) {
+    if (mfli_debug_level <= 1 && st_count(mfli_policy_table) == 0) {
+        return mfli_get_default_policy();
     }
     char *full_name = mti_GetRegionFullName(region);
     if (mfli_debug_level > 1) {
         mfli_message("Registering signals in region %s", full_name);
     }
     const int32_t policy = mfli_get_policy_for_region(full_name);
+    mti_VsimFree(full_name);
+    return policy;
+}
+
+// The region's first sub-region, whatever the policy: that may have one of its own.
+static mtiRegionIdT register_own_signals(mtiRegionIdT region) {
+    if (is_skipped(region)) {
+        return nullptr;
+    }
+    const int32_t policy = policy_of(region);
     if (policy == MFLI_POLICY_ON || policy == MFLI_POLICY_RTL_ON) {
         register_signals_of(region, policy == MFLI_POLICY_RTL_ON ? 1 : 0);
     }
-    // Whatever the policy: a sub-region may have one of its own.
-    for (mtiRegionIdT lower = mti_FirstLowerRegion(region); lower != nullptr;
-         lower = mti_NextRegion(lower)) {
-        register_region(lower);
+    return mti_FirstLowerRegion(region);
+}
+
+// Depth first, with a list of the regions above: they may nest deeper than the stack allows.
+void register_region(mtiRegionIdT region) {
+    list *above = list_alloc();
+    mtiRegionIdT next = register_own_signals(region);
+    mtiRegionIdT upper = region;
+    while (upper != nullptr) {
+        if (next != nullptr) {
+            list_append(above, upper);
+            upper = next;
+            next = register_own_signals(next);
+        } else if (above->tail != nullptr) {
+            next = mti_NextRegion(upper);
+            upper = static_cast<mtiRegionIdT>(above->tail->data);
+            list_delete(above->tail);
+        } else {
+            upper = nullptr;
+        }
     }
-    mti_VsimFree(full_name);
+    list_free_container(above);
 }
 
 void register_gate_level_activity(st_table *scope_list) {

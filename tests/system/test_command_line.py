@@ -159,6 +159,15 @@ class CommandLines(Folder):
                 (self.folder / "two.vcd").write_text(tops % variable + EVENTS)
                 self.expect(self.wfsim("two.vcd", "-saif", "o.saif"), status, START + output)
 
+    def test_scopes_nest_deeper_than_the_stack(self):
+        depth = 200000
+        nest = "$scope module s $end\n" * depth + "$upscope $end\n" * (depth + 1)
+        (self.folder / "deep.vcd").write_text(HEADER.replace("$upscope $end\n", nest, 1) + EVENTS)
+        self.expect(self.wfsim("deep.vcd", "-saif", "o.saif"), 0, START + recorded(0, 40))
+        (self.folder / "deep.tcl").write_text("puts [llength [find signals -r clk]],"
+                                              "[llength [find regions /tb/dut%s]]" % ("/s" * depth))
+        self.expect(self.wfsim("deep.vcd", "-do", "deep.tcl"), 0, START + "2,1\n")
+
     def test_commands_from_standard_input(self):
         wrong = 'Error: <stdin>:%d: invalid command name "nonsense"\n'
         for commands, status, output in [
