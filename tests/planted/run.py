@@ -28,7 +28,7 @@ WORK = ROOT / "build" / "planted"
 KILLERS = WORK / "killers.json"
 SECONDS = 60
 UNIT = {"plugin": "plugin_tests", "host": "host_tests"}
-PROGRAMS = {"plugin": ["swfli"], "host": ["wfsim", "wattforge_vpi"]}
+PROGRAMS = ["swfli", "wfsim", "wattforge_vpi"]
 # From the quickest to the slowest.
 SCRIPTS = ["golden", "rtl", "order", "failures", "command_line", "icarus", "ghdl", "ghw", "terminal",
            "replay"]
@@ -164,7 +164,7 @@ class Scratch:
             found = last_time and self.unit_killer(*last_time.split(":")) or self.unit_killer(side)
             if found:
                 return found
-        if not self.ninja(*PROGRAMS[side]):
+        if not self.ninja(*PROGRAMS):
             return ""
         scripts = sorted(SCRIPTS, key=lambda name: f"system.{name}" != last_time)
         found = next(filter(None, map(self.script_killer, scripts)), None)

@@ -48,6 +48,7 @@ package kinds is
   function level(value : bit) return std_ulogic;
   function level(value : boolean) return std_ulogic;
   function level(value : integer; place : natural) return std_ulogic;
+  function levels(value : integer; width : positive) return std_ulogic_vector;
 end package;
 
 library ieee;
@@ -72,6 +73,10 @@ package body kinds is
   function level(value : integer; place : natural) return std_ulogic is
   begin
     return to_signed(value, 32)(place);
+  end function;
+  function levels(value : integer; width : positive) return std_ulogic_vector is
+  begin
+    return std_ulogic_vector(to_signed(value, 33)(width - 1 downto 0));
   end function;
 end package body;
 
@@ -128,6 +133,23 @@ begin
       integer'image(tx / 1 ps) & " " & integer'image(toggles) & " " & integer'image(glitches) & LF);
     wait;
   end process;
+end architecture;
+
+-- The same for each bit of a vector, under its index.
+library ieee;
+use ieee.std_logic_1164.all;
+
+entity counters is
+  generic (name : string);
+  port (now_are : in std_ulogic_vector);
+end entity;
+
+architecture behaviour of counters is
+begin
+  each: for i in now_are'range generate
+    c: entity work.counter generic map (name & "(" & integer'image(i) & ")")
+      port map (now_are(i));
+  end generate;
 end architecture;
 
 -- An instance whose ports are parts of the signals above it.
@@ -328,44 +350,17 @@ begin
     c5: entity work.counter generic map ("b") port map (level(b));
     c6: entity work.counter generic map ("truth") port map (level(truth));
     c7: entity work.counter generic map ("settled") port map (level(settled));
-    g8: for i in 0 to 7 generate
-      c: entity work.counter generic map ("letter(" & integer'image(i) & ")")
-        port map (level(character'pos(letter), i));
-    end generate;
-    g9: for i in 0 to 2 generate
-      c: entity work.counter generic map ("st(" & integer'image(i) & ")")
-        port map (level(state'pos(st), i));
-    end generate;
-    g10: for i in 0 to 2 generate
-      c: entity work.counter generic map ("sub(" & integer'image(i) & ")")
-        port map (level(state'pos(sub), i));
-    end generate;
-    g11: for i in 0 to 1 generate
-      c: entity work.counter generic map ("tri(" & integer'image(i) & ")")
-        port map (level(three'pos(tri), i));
-    end generate;
-    g12: for i in 0 to 3 generate
-      c: entity work.counter generic map ("nine(" & integer'image(i) & ")")
-        port map (level(shuffled'pos(nine), i));
-    end generate;
-    g13: for i in 0 to 7 generate
-      c: entity work.counter generic map ("small(" & integer'image(i) & ")")
-        port map (level(small, i));
-    end generate;
-    g14: for i in 0 to 8 generate
-      c: entity work.counter generic map ("larger(" & integer'image(i) & ")")
-        port map (level(larger, i));
-    end generate;
+    c8: entity work.counters generic map ("letter") port map (levels(character'pos(letter), 8));
+    c9: entity work.counters generic map ("st") port map (levels(state'pos(st), 3));
+    c10: entity work.counters generic map ("sub") port map (levels(state'pos(sub), 3));
+    c11: entity work.counters generic map ("tri") port map (levels(three'pos(tri), 2));
+    c12: entity work.counters generic map ("nine") port map (levels(shuffled'pos(nine), 4));
+    c13: entity work.counters generic map ("small") port map (levels(small, 8));
+    c14: entity work.counters generic map ("larger") port map (levels(larger, 9));
     c15: entity work.counter generic map ("nought") port map (level(nought, 0));
     c16: entity work.counter generic map ("falling") port map (level(falling, 0));
-    g17: for i in 0 to 30 generate
-      c: entity work.counter generic map ("full(" & integer'image(i) & ")")
-        port map (level(full, i));
-    end generate;
-    g18: for i in 0 to 31 generate
-      c: entity work.counter generic map ("minus(" & integer'image(i) & ")")
-        port map (level(minus, i));
-    end generate;
+    c17: entity work.counters generic map ("full") port map (levels(full, 31));
+    c18: entity work.counters generic map ("minus") port map (levels(minus, 32));
     g19: for i in vector'range generate
       c: entity work.counter generic map ("vector(" & integer'image(i) & ")")
         port map (level(vector(i)));
@@ -374,10 +369,7 @@ begin
       c: entity work.counter generic map ("upward(" & integer'image(i) & ")")
         port map (level(upward(i)));
     end generate;
-    g21: for i in 0 to 7 generate
-      c: entity work.counter generic map ("text(2)(" & integer'image(i) & ")")
-        port map (level(character'pos(text(2)), i));
-    end generate;
+    c21: entity work.counters generic map ("text(2)") port map (levels(character'pos(text(2)), 8));
     g22: for i in memory'range generate
       c: entity work.counter generic map ("memory(" & integer'image(i) & ")(3)")
         port map (level(memory(i)(3)));
@@ -394,10 +386,7 @@ begin
       c: entity work.counter generic map ("square(" & integer'image(i) & ")(2)")
         port map (level(square(i, 2)));
     end generate;
-    g26: for i in 0 to 3 generate
-      c: entity work.counter generic map ("numbers(-1)(" & integer'image(i) & ")")
-        port map (level(numbers(-1), i));
-    end generate;
+    c26: entity work.counters generic map ("numbers(-1)") port map (levels(numbers(-1), 4));
     g27: for i in 0 to 4 generate
       c: entity work.counter generic map ("seen(" & integer'image(i) & ")")
         port map (level(seen(state'val(i))));
@@ -407,27 +396,16 @@ begin
       c: entity work.counter generic map ("one.data(" & integer'image(i) & ")")
         port map (level(one.data(i)));
     end generate;
-    g30: for i in 0 to 3 generate
-      c: entity work.counter generic map ("one.left(" & integer'image(i) & ")")
-        port map (level(one.left, i));
-    end generate;
-    g31: for i in 0 to 2 generate
-      c: entity work.counter generic map ("one.mood(" & integer'image(i) & ")")
-        port map (level(state'pos(one.mood), i));
-    end generate;
+    c30: entity work.counters generic map ("one.left") port map (levels(one.left, 4));
+    c31: entity work.counters generic map ("one.mood") port map (levels(state'pos(one.mood), 3));
     c32: entity work.counter generic map ("many(1).valid") port map (level(many(1).valid));
     g33: for i in 0 to 1 generate
       c: entity work.counter generic map ("many(1).data(" & integer'image(i) & ")")
         port map (level(many(1).data(i)));
     end generate;
-    g34: for i in 0 to 3 generate
-      c: entity work.counter generic map ("many(1).left(" & integer'image(i) & ")")
-        port map (level(many(1).left, i));
-    end generate;
-    g35: for i in 0 to 2 generate
-      c: entity work.counter generic map ("many(1).mood(" & integer'image(i) & ")")
-        port map (level(state'pos(many(1).mood), i));
-    end generate;
+    c34: entity work.counters generic map ("many(1).left") port map (levels(many(1).left, 4));
+    c35: entity work.counters generic map ("many(1).mood")
+      port map (levels(state'pos(many(1).mood), 3));
     g36: for i in 4 to 5 generate
       c: entity work.counter generic map ("open_words(" & integer'image(i) & ")(1)")
         port map (level(open_words(i)(1)));
@@ -450,14 +428,8 @@ begin
     end generate;
     c44: entity work.counter generic map ("u1/crossed(0)") port map (level(upward(1)));
     c45: entity work.counter generic map ("u1/crossed(1)") port map (level(b));
-    g46: for i in 0 to 2 generate
-      c: entity work.counter generic map ("u1/mood(" & integer'image(i) & ")")
-        port map (level(state'pos(mood), i));
-    end generate;
-    g47: for i in 0 to 3 generate
-      c: entity work.counter generic map ("u1/packet_in.left(" & integer'image(i) & ")")
-        port map (level(one.left, i));
-    end generate;
+    c46: entity work.counters generic map ("u1/mood") port map (levels(state'pos(mood), 3));
+    c47: entity work.counters generic map ("u1/packet_in.left") port map (levels(one.left, 4));
     g48: for i in 0 to 3 generate
       c: entity work.counter generic map ("copies(2)/deeper/u2/nibble(" & integer'image(i) & ")")
         port map (level(memory(2)(i)));

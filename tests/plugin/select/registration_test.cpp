@@ -119,6 +119,18 @@ TEST_F(Recorder, LooksUpElementsUnderASecondPath) {
     register_record(sim.handle("/top/rec"), sim.region_handle("/top"), 0);
     EXPECT_THAT(watched(), ElementsAre("/top/bus(5) 0/1", "/top/rec.v(6) 0/1", "/top/rec(6) 0/1",
                                        "/top/rec.v(5) 0/1", "/top/rec(1) 0/1"));
+    // The element itself is listed under its second path, by index and by position.
+    sim.signal("/top/two", sim.types.record("t", {{"v", sim.types.array(logic, 6, 5)}}));
+    sim.alias("/top/two(6)", "/top/two.v(6)");
+    sim.alias("/top/two(1)", "/top/two.v(5)");
+    register_record(sim.handle("/top/two"), sim.region_handle("/top"), 0);
+    sim.answers.has_indirect_names = false;
+    sim.signal("/top/one", sim.types.record("o", {{"f", logic}}));
+    register_record(sim.handle("/top/one"), sim.region_handle("/top"), 0);
+    const Lines all = watched();
+    EXPECT_THAT(Lines(all.begin() + 5, all.end()),
+                ElementsAre("/top/two.v(6)=/top/two(6) 0/1", "/top/two.v(5)=/top/two(1) 0/1",
+                            "/top/one 0/1"));
     EXPECT_THAT(sim.lines(), IsEmpty());
 }
 
@@ -207,6 +219,16 @@ TEST_F(RtlObjects, AreFoundByTheirPathsInScope) {
                             no_element("/tb/u1/bus(9)"), skipped("/tb/u1/bus(9)")));
     EXPECT_THAT(watched(), ElementsAre("/tb/u1/q 0/1", "/tb/u1/u1 0/1", "/tb/u1/bus(2) 0/1",
                                        "/tb/u1/mem(1)(0) 0/1", "/tb/u1/count 2/4"));
+}
+
+TEST_F(RtlObjects, AreWatchedAsAWholeWhereTheirBitsAreNotListed) {
+    sim.answers.element = wf::test::ElementAnswer::unlisted;
+    sim.signal("/tb/u1/g(1)/mode", sim.types.enumeration("m", {"idle", "run", "stop"}));
+    for (const char *key : {"top/u1/count[3]", "top/u1/g[1]/mode[0]", "top/u1/bus[2]"}) {
+        object("/tb", key);
+    }
+    EXPECT_THAT(registered_in({"/tb/u1"}), ElementsAre(skipped("/tb/u1/bus(2)")));
+    EXPECT_THAT(watched(), ElementsAre("/tb/u1/count 2/4", "/tb/u1/g(1)/mode 3/2"));
 }
 
 TEST_F(RtlObjects, OfSeveralTestbenchesAreRegisteredInTurn) {
