@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -134,20 +135,26 @@ bool ReportRun::settle_regions() {
         if (region == nullptr && design.find_signal(path) == nullptr) {
             return tell("no region or signal " + path + " in the waveform");
         }
-        const std::string name = region == nullptr ? "" : design.full_name(region);
-        for (const Region *other : earlier) {
+        if (region == nullptr) {
+            continue;
+        }
+        const std::string name = design.full_name(region);
+        const auto rival = std::find_if(earlier.begin(), earlier.end(), [&](const Region *other) {
             const std::string &other_name = design.full_name(other);
-            if (region != nullptr && !lies_within(region, other) &&
-                (name.starts_with(other_name) || other_name.starts_with(name))) {
-                return tell("-region " + path + " would be passed over, as its name and that of " +
-                            other_name + " begin alike; name one region around both");
-            }
+            return !lies_within(region, other) &&
+                   (name.starts_with(other_name) || other_name.starts_with(name));
+        });
+        if (rival != earlier.end()) {
+            return tell_passed_over(path, design.full_name(*rival));
         }
-        if (region != nullptr) {
-            earlier.push_back(region);
-        }
+        earlier.push_back(region);
     }
     return true;
+}
+
+bool ReportRun::tell_passed_over(const std::string &path, const std::string &rival) {
+    return tell("-region " + path + " would be passed over, as its name and that of " + rival +
+                " begin alike; name one region around both");
 }
 
 bool ReportRun::settle_times() {

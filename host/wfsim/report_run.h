@@ -38,6 +38,7 @@ class ReportRun {
 
     bool command(const std::string &name, const std::string &arguments);
     bool tell(const std::string &error);
+    bool tell_passed_over(const std::string &path, const std::string &rival);
     bool is_region(const std::string &path) const;
     // Interruption and damage stay in the status.
     void run_until(Ticks limit);
