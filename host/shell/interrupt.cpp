@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <initializer_list>
 
 namespace wf {
 namespace {
@@ -15,8 +16,26 @@ volatile std::sig_atomic_t pending = 0;
 void (*volatile notify_function)(void *) = nullptr;
 void *volatile notify_argument = nullptr;
 
-void handle_interrupt(int) {
+InterruptRelay relay_to = {.pass_on = nullptr, .leave = nullptr};
+
+// A terminal sends its signals to all of its foreground processes: those need no passing on.
+bool is_from_a_process(const siginfo_t &info) {
+    return info.si_code <= 0;
+}
+
+void handle_interrupt(int signal, siginfo_t *info, void *) {
+    const int before = errno;
+    if (relay_to.pass_on != nullptr && is_from_a_process(*info)) {
+        relay_to.pass_on(signal);
+    }
+    errno = before;
+    if (pending != 0 && signal != SIGINT) {
+        return;
+    }
     if (pending != 0) {
+        if (relay_to.leave != nullptr) {
+            relay_to.leave();
+        }
         static const char text[] = "\nwfsim: interrupted twice, leaving at once\n";
         const ssize_t ignored = write(STDERR_FILENO, text, sizeof text - 1);
         (void)ignored;
@@ -28,15 +47,29 @@ void handle_interrupt(int) {
     }
 }
 
+void catch_signal(int signal) {
+    struct sigaction action;
+    std::memset(&action, 0, sizeof action);
+    action.sa_sigaction = handle_interrupt;
+    action.sa_flags = SA_RESTART | SA_SIGINFO;  // readers of files shall not see it
+    sigemptyset(&action.sa_mask);
+    sigaction(signal, &action, nullptr);
+}
+
 }  // namespace
 
 void catch_interrupts() {
-    struct sigaction action;
-    std::memset(&action, 0, sizeof action);
-    action.sa_handler = handle_interrupt;
-    action.sa_flags = SA_RESTART;  // readers of files shall not see it
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr);
+    catch_signal(SIGINT);
+}
+
+void relay_interrupts(const InterruptRelay &relay) {
+    relay_to = relay;
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        struct sigaction present;
+        if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler != SIG_IGN) {
+            catch_signal(signal);
+        }
+    }
 }
 
 const volatile std::sig_atomic_t *interrupt_flag() {

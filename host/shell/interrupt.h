@@ -14,6 +14,17 @@ namespace wf {
 // From now on SIGINT is recorded instead of ending the program. Process-wide.
 void catch_interrupts();
 
+// What a program does with signals that has started another one and made files that must not stay
+// behind. Both functions are called by the signal handler and must be safe there.
+struct InterruptRelay {
+    void (*pass_on)(int signal);  // a signal that came to this process alone, not from a terminal
+    void (*leave)();              // the program is about to be left at once
+};
+
+// From now on SIGTERM and SIGHUP, unless they are ignored, are taken for an interrupt, too, though
+// only the interrupt key, pressed twice, leaves at once; and the relay is told. Process-wide.
+void relay_interrupts(const InterruptRelay &relay);
+
 // Set to non-zero while an interrupt waits for its answer. Never null.
 const volatile std::sig_atomic_t *interrupt_flag();
 

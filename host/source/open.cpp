@@ -52,9 +52,10 @@ std::string describe(std::string_view beginning) {
 
 std::unique_ptr<Source> open_source(const std::string &path, std::string *error) {
     std::unique_ptr<Input> input = open_file_input(path, error);
-    if (input == nullptr) {
-        return nullptr;
-    }
+    return input == nullptr ? nullptr : open_source(std::move(input), error);
+}
+
+std::unique_ptr<Source> open_source(std::unique_ptr<Input> input, std::string *error) {
     if (input->peek(looked_at).starts_with("\x1f\x8b")) {
         input = make_gzip_input(std::move(input));
     } else if (input->peek(looked_at).starts_with("BZh")) {

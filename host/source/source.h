@@ -17,6 +17,7 @@
 namespace wf {
 
 class Design;
+class Input;
 class Kernel;
 using Ticks = std::int64_t;
 
@@ -82,6 +83,9 @@ class Source {
 // Opens the waveform at `path` ("-" is standard input), plain or compressed with gzip or bzip2; its
 // format is recognised by its content, not its name. Null: `*error` is `file: expected X, got Y`.
 std::unique_ptr<Source> open_source(const std::string &path, std::string *error);
+
+// The same for what has been opened already, from its first byte.
+std::unique_ptr<Source> open_source(std::unique_ptr<Input> input, std::string *error);
 
 }  // namespace wf
 

@@ -22,11 +22,13 @@
 #include "host/shell/prompt.h"
 #include "host/shell/shell.h"
 #include "host/shell/transcript.h"
+#include "host/source/input.h"
 #include "host/source/source.h"
 #include "host/wfsim/exit_status.h"
 #include "host/wfsim/options.h"
 #include "host/wfsim/replay.h"
 #include "host/wfsim/report_run.h"
+#include "host/wfsim/writer.h"
 
 namespace wf {
 namespace {
@@ -166,11 +168,19 @@ int replay(Source &source, Design &design, Transcript &transcript, const Options
     return error.empty() ? status : complain(error, exit_error);
 }
 
+std::unique_ptr<Source> open_waveform(const Options &options, Writer &writer, std::string *error) {
+    if (options.command.words.empty()) {
+        return open_source(options.waveform, error);
+    }
+    std::unique_ptr<Input> input = writer.waveform(error);
+    return input == nullptr ? nullptr : open_source(std::move(input), error);
+}
+
 // Opens and loads the waveform, then replays it.
 int run_waveform(Transcript &transcript, ProgressMeter &meter, const Options &options,
-                 const std::vector<Plugin> &plugins) {
+                 const std::vector<Plugin> &plugins, Writer &writer) {
     std::string error;
-    const std::unique_ptr<Source> source = open_source(options.waveform, &error);
+    const std::unique_ptr<Source> source = open_waveform(options, writer, &error);
     if (!source) {
         return complain(error, exit_error);
     }
@@ -208,6 +218,9 @@ int run(const Options &options) {
         return complain(error, options.foreign.empty() ? exit_error : exit_usage);
     }
     const bool commands_needed = options.scripts.empty() && options.report.saif.empty();
+    if (commands_needed && !options.command.words.empty()) {
+        return complain("the waveform is a command's, so commands need -do or -saif", exit_usage);
+    }
     if (commands_needed && options.waveform == "-") {
         return complain("the waveform is standard input, so commands need -do or -saif",
                         exit_usage);
@@ -219,7 +232,12 @@ int run(const Options &options) {
     ProgressMeter meter(stderr, !options.quiet);
     transcript.before_output([&meter] { meter.clear(); });
     catch_interrupts();
-    int status = run_waveform(transcript, meter, options, plugins);
+    Writer writer;
+    error = writer.start(options.command);
+    if (!error.empty()) {
+        return complain(error, exit_error);
+    }
+    int status = run_waveform(transcript, meter, options, plugins, writer);
     if (!transcript.set_file("", &error)) {
         status = complain(error, status == exit_ok ? exit_error : status);
     }
@@ -227,7 +245,7 @@ int run(const Options &options) {
         status = complain("standard output could not be written completely",
                           status == exit_ok ? exit_error : status);
     }
-    return status;
+    return writer.finish(status);
 }
 
 // A design's tables grow by doubling, and each command over all bits makes lists as long. Without

@@ -3,6 +3,7 @@
 // the waveform.
 #include "host/wfsim/options.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -10,9 +11,12 @@ namespace wf {
 
 const char *const usage_text =
     R"(usage: wfsim [options] WAVEFORM
+       wfsim [options] -- COMMAND...
 
 Loads the design and its events from a waveform (VCD or GHW, plain or compressed with gzip or
 bzip2, "-" for standard input), loads the plug-in, and runs a Tcl script or offers a prompt.
+With COMMAND it makes a FIFO, starts COMMAND with the FIFO's path wherever COMMAND's words have {},
+and records what COMMAND writes there while it runs.
 
   -do FILE|COMMANDS     run a script: the name of a file, else Tcl commands; may be repeated
   -c, -batch            never prompt; without -do read commands from standard input
@@ -21,6 +25,7 @@ bzip2, "-" for standard input), loads the plug-in, and runs a Tcl script or offe
   -l FILE               write the transcript to a file, too
   -trace                show every call of the plug-in in the transcript
   -trace=FILE           the same, to a file
+  -fifo NAME            make the FIFO under this name, the one that COMMAND writes to by itself
   -quiet                no progress line
   -strict               the first error of a plug-in ends the script at its command
   -help, -version
@@ -40,7 +45,8 @@ One command, without a script: record a stretch of time and write the report.
 
 Exit status: 0 done; 1 error, also one that the plug-in reported; 2 wrong command line; 3 the
 waveform is damaged (what lies before the damage was used); 130 interrupted. A script's
-`quit -code N` gives N, unless N is 0 and there were errors.
+`quit -code N` gives N, unless N is 0 and there were errors. COMMAND's own status if it
+failed, 128 and the signal's number if a signal ended it.
 )";
 
 namespace {
@@ -57,6 +63,8 @@ struct Option {
 class Words {
   public:
     Words(int count, char **words) : count_(count), words_(words) {}
+    // All that are left.
+    std::vector<std::string> rest() const { return {words_ + at_, words_ + count_}; }
     const char *next() { return at_ < count_ ? words_[at_++] : nullptr; }
 
   private:
@@ -111,14 +119,37 @@ bool take_trace(const char *word, Options &options) {
     return false;
 }
 
+bool has_fifo_mark(const std::vector<std::string> &words) {
+    return std::any_of(words.begin(), words.end(), [](const std::string &word) {
+        return word.find(fifo_mark) != std::string::npos;
+    });
+}
+
+// Where the waveform comes from.
+std::string check_origin(const Options &options) {
+    const WriterOptions &command = options.command;
+    if (command.words.empty()) {
+        return !command.fifo.empty()      ? "-fifo goes with -- COMMAND only"
+               : options.waveform.empty() ? "no waveform given"
+                                          : "";
+    }
+    if (!options.waveform.empty()) {
+        return "a waveform and a command exclude each other: " + options.waveform;
+    }
+    if (command.fifo.empty() && !has_fifo_mark(command.words)) {
+        return "the command has no {} for the waveform's path, and no -fifo names it";
+    }
+    return {};
+}
+
 // What no single option can know.
 std::string check_together(const Options &options, const char *report_option) {
     const ReportOptions &report = options.report;
     if (options.help || options.version) {
         return {};
     }
-    if (options.waveform.empty()) {
-        return "no waveform given";
+    if (std::string error = check_origin(options); !error.empty()) {
+        return error;
     }
     if (report.saif.empty() && report_option != nullptr) {
         return std::string(report_option) + " goes with -saif only";
@@ -140,6 +171,7 @@ std::vector<Option> option_table(Options &options) {
         {.name = "-batch", .flag = &options.batch},
         {.name = "-foreign", .list = &options.foreign},
         {.name = "-l", .text = &options.transcript},
+        {.name = "-fifo", .text = &options.command.fifo},
         {.name = "-quiet", .flag = &options.quiet},
         {.name = "-strict", .flag = &options.strict},
         {.name = "-help", .flag = &options.help},
@@ -165,6 +197,11 @@ std::string parse_options(int count, char **words, Options *options) {
     Words rest(count, words);
     while (const char *word = rest.next()) {
         std::string error;
+        if (std::strcmp(word, "--") == 0) {
+            options->command.words = rest.rest();
+            return options->command.words.empty() ? "no command after --"
+                                                  : check_together(*options, report_option);
+        }
         if (word[0] != '-' || word[1] == '\0') {
             error = options->waveform.empty() ? "" : "a second waveform: " + std::string(word);
             options->waveform = word;

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "host/wfsim/writer.h"
+
 namespace wf {
 
 // The options of the one-command form, as typed.
@@ -25,6 +27,7 @@ enum class TraceTo { nowhere, transcript, file };
 
 struct Options {
     std::string waveform;
+    WriterOptions command;             // instead of a waveform
     std::vector<std::string> foreign;  // "function library" each; empty: the default plug-in
     std::vector<std::string> scripts;  // files or commands, in order
     bool batch = false;

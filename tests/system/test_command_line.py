@@ -4,7 +4,9 @@
 
 import array
 import fcntl
+import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -59,6 +61,11 @@ REFUSED = [
     (["t.vcd", "-saif", "a", "-do", "now"], "-saif and -do exclude each other" + MORE),
     (["t.vcd", "-saif", "a", "-testbench", "/tb"], "-testbench goes with -rtl only" + MORE),
     (["t.vcd", "-foreign", "init"], '-foreign: expected "function library", got "init"\n'),
+    (["t.vcd", "--", "sim", "{}"], "a waveform and a command exclude each other: t.vcd" + MORE),
+    (["--", "sim"], "the command has no {} for the waveform's path, and no -fifo names it" + MORE),
+    (["-saif", "a", "--"], "no command after --" + MORE),
+    (["t.vcd", "-fifo", "x"], "-fifo goes with -- COMMAND only" + MORE),
+    (["--", "sim", "{}"], "the waveform is a command's, so commands need -do or -saif\n"),
     (["-", "-batch"], "the waveform is standard input, so commands need -do or -saif\n"),
 ]
 
@@ -220,6 +227,92 @@ class CommandLines(Folder):
                                   stderr=subprocess.PIPE, text=True, check=False)
         self.assertEqual((done.returncode, done.stderr),
                          (1, "wfsim: standard output could not be written completely\n"))
+
+
+# Of wfsim -saif o.saif OPTIONS -- sh -c TEXT: options, text, status, output, errors. PATH is the
+# FIFO's path. What follows the window is much more than a FIFO holds.
+LONG = "t.vcd; seq 100 200000 | sed 's/^/#/'"
+WRITERS = {
+    "streams are its own": ([], "cat t.vcd >{}; cat; echo told >&2", 0,
+                            recorded(0, 40) + "typed\n", "told\n"),
+    "it goes on after the window": (["-stop", "20"], f"(cat {LONG}) >{{}}; echo on", 0,
+                                    recorded(0, 20) + "on\n", ""),
+    "it fails": ([], "cat t.vcd >{}; exit 7", 7, recorded(0, 40), "wfsim: sh ended with exit status 7\n"),
+    "it is killed": ([], "cat t.vcd >{}; kill -9 $$", 137, recorded(0, 40),
+                     "wfsim: sh was ended by signal 9 (Killed)\n"),
+    "two waveforms": ([], f"cat t.vcd >{{}}; (cat {LONG}) >{{}}", 0, recorded(0, 40), ""),
+    "it writes to a name of its own": (["-fifo", "w"], "test -p w && cat t.vcd >w", 0,
+                                       recorded(0, 40), ""),
+    "no such instance": (["-instance", "/no"], f"while cat {LONG}; do :; done >{{}}", 2,
+                         "Error: no instance /no in the waveform\n",
+                         "wfsim: ending sh, as nothing is recorded any more\n"),
+    "no waveform": ([], "echo ready {} >&2", 1, None,
+                    "ready PATH\nwfsim: sh ended without writing a waveform to PATH\n"),
+    "no waveform and a failure": ([], ">{}; exit 9", 9, None, "wfsim: sh ended with exit status 9 "
+                                  "without writing a waveform to PATH\n"),
+    "a file in its place": (["-fifo", "w"], "rm w; echo x >w; exec sleep 99", 1, None,
+                            "wfsim: w: sh has put a file in the FIFO's place; writers of FST do "
+                            "so, and FST needs a file: simulate first, then record from the file\n"
+                            "wfsim: ending sh, as nothing is recorded any more\n"),
+    "no FIFO": (["-fifo", "t.vcd"], "cat", 1, None,
+                "wfsim: t.vcd: cannot make a FIFO: File exists\n"),
+}
+
+
+class Writers(Folder):
+    """A command writes the waveform while it is recorded."""
+
+    def setUp(self):
+        super().setUp()
+        self.temporary = self.folder / "temporary"
+        self.temporary.mkdir()
+        self.environment = os.environ | {"TMPDIR": str(self.temporary)}
+
+    def assert_clean(self, present):
+        self.assertEqual(list(self.temporary.iterdir()), [])
+        self.assertEqual({path.name for path in self.folder.iterdir()} - {"o.saif", "w"}, present)
+        self.assertFalse((self.folder / "w").is_fifo())
+
+    def test_what_a_command_may_do(self):
+        present = {path.name for path in self.folder.iterdir()}
+        for name, (options, text, status, output, errors) in WRITERS.items():
+            with self.subTest(name):
+                done = self.wfsim("-saif", "o.saif", *options, "--", "sh", "-c", text,
+                                  env=self.environment, input="typed\n")
+                self.assertEqual(done.returncode, status, done.stdout + done.stderr)
+                self.assertEqual(re.sub(r"\S*/wfsim\.\w+/waveform", "PATH", done.stderr),
+                                 errors)
+                # Both write to one output, each when it has something to say.
+                self.assertEqual(sorted(done.stdout.splitlines()),
+                                 sorted((START + output).splitlines() if output else []))
+                self.assert_clean(present)
+
+    def test_a_program_that_is_not_there(self):
+        self.expect(self.wfsim("-do", "now", "-fifo", "w", "--", "./gone"), 1, "",
+                    "wfsim: ./gone: cannot be started: No such file or directory\n")
+        self.assertFalse((self.folder / "w").exists())
+
+    def test_signals_reach_both(self):
+        present = {path.name for path in self.folder.iterdir()}
+        (self.folder / "t.vcd").write_text("$comment " + 70000 * "." + " $end\n" + HEADER + EVENTS)
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            if signal.getsignal(number) == signal.SIG_IGN:
+                continue  # started by nohup, say: wfsim leaves it so
+            with self.subTest(number):
+                process = subprocess.Popen(
+                    [WFSIM, "-saif", "o.saif", "--", "sh", "-c", "cat t.vcd >{}; exec sleep 99 >>{}"],
+                    cwd=self.folder, env=self.environment, text=True, stdout=subprocess.PIPE,
+                    stderr=subprocess.PIPE)
+                self.addCleanup(process.kill)
+                for line in process.stdout:
+                    if "Turned on" in line:
+                        break
+                process.send_signal(number)
+                _, told = process.communicate(timeout=60)
+                self.assertEqual((process.returncode, told.count("ended by signal")),
+                                 (128 + number, 1), told)
+                self.assertRegex((self.folder / "o.saif").read_text(), r"\(DURATION 4?0\.00\)")
+                self.assert_clean(present)
 
 
 class Interrupts(Folder):
