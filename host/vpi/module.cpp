@@ -59,6 +59,18 @@ std::string module_path() {
     return info.dli_fname == nullptr ? "" : info.dli_fname;
 }
 
+// What a simulator shows and when it calls back was tried in these two only. In another one, activity
+// would be counted wrongly, and nobody would notice.
+void refuse_unknown_simulators() {
+    const std::string name = vpi::product();
+    if (name != "GHDL" && !name.starts_with("Icarus")) {
+        give_up("this module records inside Icarus Verilog and GHDL, not \"" + name +
+                    "\"; record from its VCD instead: wfsim -saif FILE -- COMMAND, where COMMAND "
+                    "simulates and has {} for the VCD file's name",
+                exit_error);
+    }
+}
+
 // Simulators keep a module's symbols to itself, but the plug-in is to find the interface's
 // functions in it.
 void offer_symbols(const std::string &module) {
@@ -139,6 +151,7 @@ PLI_INT32 simulation_ends(s_cb_data *) {
 }
 
 void start() {
+    refuse_unknown_simulators();
     const std::string module = module_path();
     offer_symbols(module);
     const Arguments arguments = read_arguments();

@@ -6,9 +6,9 @@ run script and the system tasks, and what can go wrong."""
 import unittest
 
 from compare_saif import Report
-from inside import (DESIGNS, FAILURES_ANYWHERE, MISSING, STILL_OPEN, Icarus, InsideCase, bases,
-                    levels, script_for)
-from programs import UART, WFSIM, must, simulate_uart, without_date
+from inside import (DESIGNS, FAILURES_ANYWHERE, MISSING, MODULES, SANITIZED, STILL_OPEN, Icarus,
+                    InsideCase, bases, levels, script_for)
+from programs import HERE, ROOT, UART, WFSIM, must, run, simulate_uart, without_date
 
 # name: (generation, end of the run in ps)
 KINDS = {
@@ -180,6 +180,30 @@ class SerialPort(InsideCase):
             with self.subTest(name):
                 shown = self.simulate(self.uart, script, *plusargs, status=status)
                 self.assertEqual(levels(shown), told, shown)
+
+    def test_beside_another_module(self):
+        script = (UART / "run.tcl").read_text().replace("quit", "run -all")
+        self.simulate(self.uart, script)
+        alone = without_date(self.folder / "uart.saif")
+        compile_module(self.folder / "second.vpi", "-shared", "-fPIC")
+        command = self.uart.command("+wf_do=run.tcl")
+        place = command.index("-m")
+        for order in (command[:place] + ["-m", "./second.vpi"] + command[place:],
+                      command[:place + 2] + ["-m", "./second.vpi"] + command[place + 2:]):
+            (self.folder / "uart.saif").unlink()
+            shown = must(*order, folder=self.folder)
+            self.assertRegex(shown, r"\nsecond module: 9\d\d\d changes\n")
+            self.assertEqual(without_date(self.folder / "uart.saif"), alone)
+
+    def test_a_simulator_that_is_not_known(self):
+        compile_module(self.folder / "other", "-DUNKNOWN_SIMULATOR", "-rdynamic")
+        done = run(*SANITIZED, "./other", MODULES / "wattforge.vpi", folder=self.folder)
+        self.assertEqual((done.returncode, done.stdout), (1, ""))
+        self.assertRegex(done.stderr, '^wattforge: .* not "Other Simulator".*\n$')
+
+
+def compile_module(target, *options):
+    must("c++", "-std=c++20", *options, "-I", ROOT, "-o", target, HERE / "second_module.cpp", folder=HERE)
 
 
 if __name__ == "__main__":
