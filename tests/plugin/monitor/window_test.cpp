@@ -23,6 +23,7 @@ TEST_F(Window, AddsUpOverSeveralOpenings) {
     sim.drive(10, "/top/n", 2);
     open();
     sim.drive(60, "/top/a", '0');
+    sim.set("/top/n", 1);
     sim.run_to(110);
     close();
     EXPECT_THAT(
@@ -38,8 +39,8 @@ TEST_F(Window, AddsUpOverSeveralOpenings) {
     sim.run_to(250);
     close();
     EXPECT_EQ(mfli_window_time, 150);
-    EXPECT_THAT(activity(), ElementsAre("/top/a 70 50 30 1 0 2", "0:/top/n 150 0 0 0 0 2",
-                                        "1:/top/n 0 150 0 0 0 2"));
+    EXPECT_THAT(activity(), ElementsAre("/top/a 70 50 30 1 0 2", "0:/top/n 50 100 0 1 0 2",
+                                        "1:/top/n 100 50 0 1 0 2"));
 }
 
 TEST_F(Window, StartsAgainAfterAReset) {

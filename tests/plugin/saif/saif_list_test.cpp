@@ -112,6 +112,7 @@ TEST(SaifRecords, FreeWhatTheyOwn) {
     saif_state_simple_attribute *state = saif_create_state_simple_attribute_struct();
     EXPECT_EQ(state->kind, 2);
     state->toggle = saif_create_toggle_attribute_struct();
+    EXPECT_EQ(state->toggle->marker, -1.0);
     state->path = saif_create_path_attribute_struct();
     const saif_list_entry path = {string_alloc("a"), saif_create_toggle_attribute_struct()};
     for (int i = 0; i < 2; ++i) {  // the comparison never matches: a key may come again
@@ -139,6 +140,10 @@ TEST(SaifRecords, FreeWhatTheyOwn) {
     saif_free_lib_attribute_struct(library);
     saif_free_rtl_attribute_struct(object);
     saif_free_switching_attribute_struct(saif_create_switching_attribute_struct());
+    saif_header *header = saif_create_header_struct();
+    EXPECT_EQ(header->timescale_value, 1.0F);
+    EXPECT_EQ(header->divider, '.');
+    saif_free_header_struct(header);
 }
 
 }  // namespace
