@@ -10,10 +10,12 @@
 #include "plugin/core/window_commands.h"
 #include "plugin/monitor/monitor_table.h"
 #include "plugin/monitor/value_change.h"
+#include "plugin/monitor/window.h"
 #include "plugin/rtlsaif/rtl_table.h"
 #include "plugin/select/policy.h"
 #include "plugin/support/hash_table.h"
 #include "plugin/support/messages.h"
+#include "plugin/support/run_state.h"
 
 struct Command {
     const char *name;
@@ -33,12 +35,28 @@ static const Command commands[] = {
     {"toggle_interrupt", mfli_interrupt},
 };
 
+static void release_tables() {
+    mfli_free_monitor_table();
+    mfli_free_speed_lists();
+    mfli_free_rtl_table();
+    mfli_free_policy_table();
+}
+
+// A simulator that restarts may keep the library, with or without having called mfli_cleanup:
+// nothing of the run before, whose handles are stale, may be left.
+static void begin_anew() {
+    release_tables();
+    mfli_debug_level = 0;
+    mfli_window_active = 0;
+    mfli_overflow_flag = 0;
+    mfli_start_time = mfli_stop_time = mfli_window_time = 0.0;
+}
+
 void swfli_init(mtiRegionIdT, char *, mtiInterfaceListT *, mtiInterfaceListT *) {
     for (const Command &command : commands) {
         mti_AddCommand(const_cast<char *>(command.name), command.handler);
     }
-    mfli_debug_level = 0;
-    mfli_rtl_table = nullptr;
+    begin_anew();
     mfli_policy_table = st_alloc_abo(st_strcmp, st_strhash);
     mfli_print_text("Kelvara power code initialized and linked successfully");
     mti_AddQuitCB(mfli_cleanup, nullptr);
@@ -48,8 +66,5 @@ void mfli_cleanup(void *) {
     if (mfli_debug_level > 0) {
         mfli_print_text("Information (KLVA-PWR): Cleaning up data structures");
     }
-    mfli_free_monitor_table();
-    mfli_free_speed_lists();
-    mfli_free_rtl_table();
-    mfli_free_policy_table();
+    release_tables();
 }

@@ -5,9 +5,10 @@
 
 #include <mti.h>
 
-// Called once by the simulator at load time, with the region, parameter text, generics and ports of
-// a foreign architecture; all may be null and none is used. Registers the nine commands, puts the
-// library's globals in their start state, prints the start-up line and registers mfli_cleanup.
+// Called by the simulator at load time, and again if it restarts without unloading the library,
+// with the region, parameter text, generics and ports of a foreign architecture; all may be null
+// and none is used. Registers the nine commands, puts the library's globals in their start state,
+// prints the start-up line and registers mfli_cleanup.
 extern "C" __attribute__((visibility("default"))) void swfli_init(mtiRegionIdT region,
                                                                   char *parameter,
                                                                   mtiInterfaceListT *generics,

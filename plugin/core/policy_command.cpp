@@ -4,6 +4,7 @@
 
 #include "plugin/core/arguments.h"
 #include "plugin/core/order.h"
+#include "plugin/select/names.h"
 #include "plugin/select/policy.h"
 #include "plugin/support/messages.h"
 
@@ -35,7 +36,7 @@ static int32_t policy_of_keyword(const char *word) {
 }
 
 static void set_region_policy(const char *argument, int32_t policy) {
-    const mtiRegionIdT region = mti_FindRegion(const_cast<char *>(argument));
+    const mtiRegionIdT region = mfli_find_region(argument);
     if (region == nullptr) {
         mfli_message("Warning (KLVA-PWR): Could not find Region %s; Skipping", argument);
         return;

@@ -26,7 +26,7 @@ static void register_named_signal(mtiSignalIdT signal, const char *argument) {
 
 // Whether the argument names anything.
 static bool resolve_argument(const char *argument, st_table *scope_list) {
-    const mtiRegionIdT region = mti_FindRegion(const_cast<char *>(argument));
+    const mtiRegionIdT region = mfli_find_region(argument);
     if (region != nullptr) {
         if (mfli_debug_level > 0) {
             mfli_message("Found Region %s", argument);

@@ -10,6 +10,7 @@
 #include "plugin/saif/report.h"
 #include "plugin/saif/report_file.h"
 #include "plugin/saif/time_units.h"
+#include "plugin/select/names.h"
 #include "plugin/support/c_numbers.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
@@ -47,15 +48,13 @@ static int read_unit(const char *argument, double *unit_exponent) {
 }
 
 static int read_instance(char *argument, char **instance_name) {
-    mtiRegionIdT region = mti_FindRegion(argument);
+    mtiRegionIdT region = mfli_find_region(argument);
     if (region == nullptr) {
         mfli_message("Error (KLVA-PWR): Invalid instance_str %s; no region of this name found",
                      argument);
         return 0;
     }
-    char *full_name = mti_GetRegionFullName(region);
-    *instance_name = mfli_strdup(full_name);
-    mti_VsimFree(full_name);
+    *instance_name = mfli_get_region_full_name(region);
     return *instance_name != nullptr;
 }
 

@@ -6,6 +6,7 @@
 #include "plugin/core/order.h"
 #include "plugin/rtlsaif/parser.h"
 #include "plugin/rtlsaif/rtl_table.h"
+#include "plugin/select/names.h"
 #include "plugin/support/counted_string.h"
 #include "plugin/support/hash_table.h"
 #include "plugin/support/linked_list.h"
@@ -54,15 +55,12 @@ static char *find_testbench(const char *word) {
     if (length > 0 && is_separator(trimmed[length - 1])) {
         trimmed[length - 1] = '\0';
     }
-    mtiRegionIdT region = mti_FindRegion(is_separator(trimmed[0]) ? trimmed + 1 : trimmed);
+    const mtiRegionIdT region = mfli_find_region(is_separator(trimmed[0]) ? trimmed + 1 : trimmed);
     free(trimmed);
     if (region == nullptr) {
         return nullptr;
     }
-    char *full_name = mti_GetRegionFullName(region);
-    char *copy = mfli_strdup(full_name);
-    mti_VsimFree(full_name);
-    return copy;
+    return mfli_get_region_full_name(region);
 }
 
 static const char *word_at(const list *words, int32_t position) {

@@ -28,13 +28,35 @@ void mfli_free_rtl_object(void *object) {
     free(freed);
 }
 
+static char square(char c) {
+    return c == '(' ? '[' : c == ')' ? ']' : c;
+}
+
+static int compare_names(const void *first, const void *second) {
+    const auto *a = static_cast<const char *>(first);
+    const auto *b = static_cast<const char *>(second);
+    while (*a != '\0' && square(*a) == square(*b)) {
+        ++a;
+        ++b;
+    }
+    return square(*a) - square(*b);
+}
+
+static uint32_t hash_name(const void *name) {
+    uint32_t hash = 2166136261U;
+    for (const auto *c = static_cast<const char *>(name); *c != '\0'; ++c) {
+        hash = (hash ^ static_cast<unsigned char>(square(*c))) * 16777619U;
+    }
+    return hash ^ (hash >> 15);
+}
+
 st_table *get_rtl_hash(st_table *table, const char *testbench) {
     const char *path = testbench != nullptr ? testbench : "";
     void *known = nullptr;
     if (st_lookup_kptr_vptr(table, path, &known) != 0) {
         return static_cast<st_table *>(known);
     }
-    st_table *objects = st_alloc_abo(st_strcmp, st_strhash);
+    st_table *objects = st_alloc_abo(compare_names, hash_name);
     st_insert_kptr_vptr(table, mfli_strdup(path), objects);
     return objects;
 }

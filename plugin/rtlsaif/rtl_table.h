@@ -29,10 +29,10 @@ struct RtlObject {
 };
 
 // Null until the first forward file is read. Key: an owned text, the full name of the testbench
-// region, or "" when none was given. Value: an st_table keyed by owned texts (st_strcmp and
-// st_strhash), each the full name of an object ("top/u1/q[3]"), whose values are `list`s of
-// RtlObject in file order. The consumers drop or supply the outermost instance's name as exactly
-// three characters.
+// region, or "" when none was given. Value: an st_table keyed by owned texts (in which round and
+// square brackets are the same), each the full name of an object ("top/u1/q[3]"), whose values are
+// `list`s of RtlObject in file order. The consumers drop or supply the outermost instance's name as
+// exactly three characters.
 extern st_table *mfli_rtl_table;
 
 // A record with every field null and kind 0; released with mfli_free_rtl_object.

@@ -4,6 +4,7 @@
 #include "plugin/rtlsaif/scanner_rules.h"
 
 #include "plugin/rtlsaif/input_stream.h"
+#include "plugin/support/messages.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -63,6 +64,7 @@ char saifrtl_yytext[8192];
 // The one fatal case of the plug-in: a match beyond the limit.
 [[noreturn]] static void stop_at_overlong_token() {
     printf("Input string too long, limit %d\n", static_cast<int>(TOKEN_LIMIT));
+    mfli_message("Input string too long, limit %d", static_cast<int>(TOKEN_LIMIT));
     exit(EXIT_FAILURE);
 }
 

@@ -4,6 +4,7 @@
 
 #include "plugin/saif/record_text.h"
 #include "plugin/saif/writer.h"
+#include "plugin/select/names.h"
 #include "plugin/support/hash_table.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/text.h"
@@ -34,13 +35,38 @@ static int insert_bit(MonitorElement *element, int32_t i, const char *name, int 
     return saifout_insert_port_net_full_hier(name, mfli_bit(element, i), is_port, tree);
 }
 
+// Whether the name, written with parentheses, would be another signal's: a scalar called "n[3]"
+// beside a bus "n".
+static bool keeps_brackets(const MonitorElement *element, const char *name) {
+    if (strchr(mfli_leaf_of(name), '[') == nullptr) {
+        return false;
+    }
+    char *round = mfli_strdup(name);
+    if (round == nullptr) {
+        return true;
+    }
+    mfli_convert_squareb_to_paren(round);
+    const mtiSignalIdT namesake = mti_FindSignal(round);
+    const bool keeps = namesake != nullptr && namesake != element->signal;
+    if (keeps) {
+        mfli_message(
+            "Warning (KLVA-PWR): signal %s keeps its square brackets in the report, as %s "
+            "is another signal",
+            name, round);
+    }
+    free(round);
+    return keeps;
+}
+
 int insert_subelements_into_saif_tree(MonitorElement *element, const char *name, SaifTree *tree) {
     // The brackets once for all bits: what an index adds has parentheses already.
     char *gate_name = mfli_strdup(name);
     if (gate_name == nullptr) {
         return 0;
     }
-    mfli_convert_squareb_to_paren(gate_name);
+    if (!keeps_brackets(element, gate_name)) {
+        mfli_convert_squareb_to_paren(gate_name);
+    }
     const int is_port = signal_is_port(element->signal);
     int complete = 1;
     for (int32_t i = 0; i < element->width(); i++) {
@@ -116,6 +142,26 @@ static int add_virtual_port(const char *full_name, int32_t kind, BitActivity *ac
     return entered;
 }
 
+// Writes the brackets of the instances that an object's two names have in common as those of bits
+// that no object names: both are in one instance of the report then, however the file spells it.
+static void join_instances(char *full_name, const char *path_key, const RtlObject *object) {
+    const size_t path = strlen(path_key);
+    char *first = mfli_add_path_to_name(string_to_char(object->object_name),
+                                        string_to_char(object->instance_path), 1);
+    const char *below_top = first == nullptr ? "" : first + strnlen(first, RTL_PREFIX_LENGTH);
+    size_t joined = path;
+    const auto square = [](char c) { return c == '(' ? '[' : c == ')' ? ']' : c; };
+    for (size_t i = 0; below_top[i] != '\0' && square(below_top[i]) == square(full_name[path + i]);
+         ++i) {
+        joined = below_top[i] == '/' ? path + i : joined;
+    }
+    free(first);
+    const char end = full_name[joined];
+    full_name[joined] = '\0';
+    mfli_convert_paren_to_squareb(full_name);
+    full_name[joined] = end;
+}
+
 // An object is reported under its second full name, the one that begins with the outermost instance
 // of the forward file: less that instance's three characters it begins with '/', so it is put
 // straight behind the testbench path, as registration does with the first name.
@@ -129,6 +175,7 @@ int add_to_rtl_saif_tree(const RtlObject *object, const char *path_key, const ch
     if (full_name == nullptr) {
         return 0;
     }
+    join_instances(full_name, path_key, object);
     int complete = 1;
     if (object->kind == RTL_ORDINARY) {
         complete = saifout_insert_port_net_full_hier(full_name, activity, 1, tree);

@@ -2,6 +2,7 @@
 // Keeps the policies of regions and answers which one governs a region.
 #include "plugin/select/policy.h"
 
+#include "plugin/select/names.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/run_state.h"
 #include "plugin/support/text.h"
@@ -13,12 +14,12 @@ st_table *mfli_policy_table;
 static int32_t user_gate_level_policy;
 
 void add_to_policy_table(mtiRegionIdT region, int32_t policy) {
-    char *full_name = mti_GetRegionFullName(region);
-    if (!st_lookup_kptr_vptr(mfli_policy_table, full_name, nullptr)) {
+    char *full_name = mfli_get_region_full_name(region);
+    if (full_name != nullptr && !st_lookup_kptr_vptr(mfli_policy_table, full_name, nullptr)) {
         st_insert_kptr_vptr(mfli_policy_table, mfli_strdup(full_name),
                             reinterpret_cast<void *>(static_cast<intptr_t>(policy)));
     }
-    mti_VsimFree(full_name);
+    free(full_name);
 }
 
 int32_t mfli_get_policy_for_region(const char *full_name) {

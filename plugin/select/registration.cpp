@@ -36,10 +36,6 @@ static bool is_scalar_kind(mtiTypeKindT kind) {
     return kind == MTI_TYPE_SCALAR || kind == MTI_TYPE_ENUM;
 }
 
-static mtiTypeKindT kind_of(mtiSignalIdT signal) {
-    return mti_GetTypeKind(mti_GetSignalType(signal));
-}
-
 static void wake_on_events(mtiProcessIdT process, mtiSignalIdT signal) {
     mti_Sensitize(process, signal, MTI_EVENT);
 }
@@ -82,7 +78,8 @@ static void trace_registration(const char *name, const char *kind) {
     }
 }
 
-void mfli_register_net(mtiSignalIdT signal, const char *name, int flag) {
+// The same in a region that may not be the signal's own.
+static void register_net_in(mtiSignalIdT signal, mtiRegionIdT region, const char *name, int flag) {
     const mtiTypeIdT type = mti_GetSignalType(signal);
     if (type == nullptr) {
         // The message is formatted, but what is printed is the name of its buffer.
@@ -94,11 +91,11 @@ void mfli_register_net(mtiSignalIdT signal, const char *name, int flag) {
     switch (mti_GetTypeKind(type)) {
         case MTI_TYPE_ARRAY:
             trace_registration(name, "ARRAY");
-            register_array(signal, mti_GetSignalRegion(signal), flag);
+            register_array(signal, region, flag);
             break;
         case MTI_TYPE_RECORD:
             trace_registration(name, "RECORD");
-            register_record(signal, mti_GetSignalRegion(signal), flag);
+            register_record(signal, region, flag);
             break;
         case MTI_TYPE_SCALAR:
         case MTI_TYPE_ENUM:
@@ -111,12 +108,53 @@ void mfli_register_net(mtiSignalIdT signal, const char *name, int flag) {
     }
 }
 
+void mfli_register_net(mtiSignalIdT signal, const char *name, int flag) {
+    register_net_in(signal, mfli_region_of_name(name, signal), name, flag);
+}
+
+static void refuse(mtiSignalIdT signal, mtiRegionIdT region) {
+    char *name = mfli_get_signal_full_name_indirect(signal, region);
+    if (name == nullptr) {
+        name = mfli_get_signal_full_name(signal);
+    }
+    if (name == nullptr) {
+        mfli_print_text("Error (KLVA-PWR): Unable to register signal");
+    } else {
+        mfli_message("Error (KLVA-PWR): Unable to register %s", name);
+    }
+    free(name);
+}
+
+// The elements of a composite and their number. Several without indirect names would all have the
+// name of the composite: those, and a composite whose elements the simulator does not give, are
+// refused. Null then.
+static mtiSignalIdT *elements_of(mtiSignalIdT signal, mtiRegionIdT region, int32_t *count) {
+    const mtiTypeIdT type = mti_GetSignalType(signal);
+    *count = type == nullptr ? 0 : mti_TickLength(type);
+    mtiSignalIdT *elements = type == nullptr ? nullptr : mti_GetSignalSubelements(signal, nullptr);
+    if (elements == nullptr) {
+        refuse(signal, region);
+        return nullptr;
+    }
+    char *indirect = *count > 0 ? mti_GetSignalNameIndirect(elements[0], nullptr, 0) : nullptr;
+    if (indirect != nullptr) {
+        mti_VsimFree(indirect);
+    } else if (*count > 1) {
+        refuse(signal, region);
+        *count = 0;
+    }
+    return elements;
+}
+
 void register_record(mtiSignalIdT signal, mtiRegionIdT region, int flag) {
-    mtiSignalIdT *fields = mti_GetSignalSubelements(signal, nullptr);
-    const int32_t count = mti_TickLength(mti_GetSignalType(signal));
-    for (int32_t i = 0; fields != nullptr && i < count; ++i) {
+    int32_t count = 0;
+    mtiSignalIdT *fields = elements_of(signal, region, &count);
+    if (fields == nullptr) {
+        return;
+    }
+    for (int32_t i = 0; i < count; ++i) {
         char *name = mfli_get_signal_full_name_indirect(fields[i], region);
-        mfli_register_net(fields[i], name, flag);
+        register_net_in(fields[i], region, name, flag);
         free(name);
     }
     mti_VsimFree(fields);
@@ -134,7 +172,8 @@ static Alias resolve_alias(char *name) {
         return {nullptr, nullptr};
     }
     const mtiSignalIdT signal = mti_FindSignal(name);
-    return {name, signal != nullptr && is_scalar_kind(kind_of(signal)) ? signal : nullptr};
+    return {name,
+            signal != nullptr && is_scalar_kind(mfli_get_signal_kind(signal)) ? signal : nullptr};
 }
 
 static void register_alias(const Alias &alias) {
@@ -180,22 +219,9 @@ static void register_array_element(mtiSignalIdT element, mtiRegionIdT region,
     free(name);
 }
 
-static void refuse_array(mtiSignalIdT signal, mtiRegionIdT region) {
-    char *name = mfli_get_signal_full_name_indirect(signal, region);
-    if (name == nullptr) {
-        name = mfli_get_signal_full_name(signal);
-    }
-    if (name == nullptr) {
-        mfli_print_text("Error (KLVA-PWR): Unable to register signal");
-    } else {
-        mfli_message("Error (KLVA-PWR): Unable to register %s", name);
-    }
-    free(name);
-}
-
 static void register_scalar_elements(mtiSignalIdT signal, mtiRegionIdT region,
                                      const mtiSignalIdT *elements, int32_t count) {
-    char *array_name = mfli_get_signal_full_name(signal);
+    char *array_name = mfli_get_signal_full_name_in(signal, region);
     if (array_name == nullptr) {
         mfli_tell_unrecorded(array_name);
         return;
@@ -207,10 +233,14 @@ static void register_scalar_elements(mtiSignalIdT signal, mtiRegionIdT region,
 }
 
 void register_array(mtiSignalIdT signal, mtiRegionIdT region, int flag) {
-    const mtiTypeIdT type = mti_GetSignalType(signal);
-    const mtiTypeKindT element_kind = mti_GetTypeKind(mti_GetArrayElementType(type));
-    mtiSignalIdT *elements = mti_GetSignalSubelements(signal, nullptr);
-    const int32_t count = elements == nullptr ? 0 : mti_TickLength(type);
+    int32_t count = 0;
+    mtiSignalIdT *elements = elements_of(signal, region, &count);
+    if (elements == nullptr) {
+        return;
+    }
+    const mtiTypeIdT element_type = mti_GetArrayElementType(mti_GetSignalType(signal));
+    const mtiTypeKindT element_kind =
+        element_type == nullptr ? MTI_TYPE_ACCESS : mti_GetTypeKind(element_type);
     if (is_scalar_kind(element_kind)) {
         register_scalar_elements(signal, region, elements, count);
     } else if (element_kind == MTI_TYPE_ARRAY || element_kind == MTI_TYPE_RECORD) {
@@ -219,18 +249,37 @@ void register_array(mtiSignalIdT signal, mtiRegionIdT region, int flag) {
         for (int32_t i = 0; i < count; ++i) {
             register_element(elements[i], region, flag);
         }
-    } else {
-        refuse_array(signal, region);
+    } else if (count > 0) {
+        refuse(signal, region);
     }
     mti_VsimFree(elements);
+}
+
+// A signal that the region lists. One whose own region is another, a port that is the signal above
+// it, has the name here that it has there, unless that is another signal's here.
+static void register_listed(mtiSignalIdT signal, mtiRegionIdT region, int flag) {
+    char *name = mfli_get_signal_full_name_in(signal, region);
+    const mtiRegionIdT own = mti_GetSignalRegion(signal);
+    if (own != region && name != nullptr) {
+        const mtiSignalIdT namesake = mti_FindSignal(name);
+        if (namesake != nullptr && namesake != signal) {
+            free(name);
+            name = mfli_get_signal_full_name(signal);
+            region = own;
+            mfli_message(
+                "Warning (KLVA-PWR): a port that is %s is not reported in its own "
+                "instance, which has another signal of that name",
+                name == nullptr ? "" : name);
+        }
+    }
+    register_net_in(signal, region, name, flag);
+    free(name);
 }
 
 static void register_signals_of(mtiRegionIdT region, int flag) {
     for (mtiSignalIdT signal = mti_FirstSignal(region); signal != nullptr;
          signal = mti_NextSignal()) {
-        char *name = mfli_get_signal_full_name(signal);
-        mfli_register_net(signal, name, flag);
-        free(name);
+        register_listed(signal, region, flag);
     }
 }
 
@@ -239,12 +288,16 @@ static int32_t policy_of(mtiRegionIdT region) {
     if (mfli_debug_level <= 1 && st_count(mfli_policy_table) == 0) {
         return mfli_get_default_policy();
     }
-    char *full_name = mti_GetRegionFullName(region);
+    char *full_name = mfli_get_region_full_name(region);
+    if (full_name == nullptr) {
+        mfli_tell_unrecorded(full_name);
+        return MFLI_POLICY_NONE;
+    }
     if (mfli_debug_level > 1) {
         mfli_message("Registering signals in region %s", full_name);
     }
     const int32_t policy = mfli_get_policy_for_region(full_name);
-    mti_VsimFree(full_name);
+    free(full_name);
     return policy;
 }
 

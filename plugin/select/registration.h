@@ -31,8 +31,8 @@ void register_gate_level_activity(st_table *scope_list);
 // Packages, subprograms and the like are left out with all below them.
 void register_region(mtiRegionIdT region);
 
-// Registers one signal, by the kind of its type. `name` is used for scalars only: the elements of a
-// composite are named afresh from its region.
+// Registers one signal, by the kind of its type. `name` is used for scalars, and for the region
+// that it leads to: the elements of a composite are named afresh in that.
 void mfli_register_net(mtiSignalIdT signal, const char *name, int flag);
 
 // Makes the element and the processes of one scalar, or adds the name to its element.

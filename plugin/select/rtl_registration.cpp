@@ -20,37 +20,49 @@ static void warn_not_found(const char *name) {
 // A bit of a vector that the simulator holds as one scalar is watched through the whole scalar:
 // cuts `name` at its last index if the rest names such a scalar. Null, after a warning, if not.
 static mtiSignalIdT find_whole_scalar(char *name) {
-    const int index = mfli_last_substring_position(name, "(");
-    if (index < 0) {
+    char *last = strrchr(name, '(');
+    if (last == nullptr || last < mfli_leaf_of(name)) {
         warn_not_found(name);
         return nullptr;
     }
-    name[index] = '\0';
+    *last = '\0';
     const mtiSignalIdT base = mfli_find_signal(name);
     if (base == nullptr) {
         warn_not_found(name);
         return nullptr;
     }
-    const mtiTypeKindT kind = mti_GetTypeKind(mti_GetSignalType(base));
+    const mtiTypeKindT kind = mfli_get_signal_kind(base);
     if (kind == MTI_TYPE_SCALAR || kind == MTI_TYPE_ENUM) {
         return base;
     }
-    name[index] = '(';
+    *last = '(';
     warn_not_found(name);
     return nullptr;
 }
 
-// Cuts off what follows the signal's own name, such as the index of a scalar's bit.
-static void cut_behind_signal(char *name, mtiSignalIdT signal) {
+// Whether the texts are the same up to the end of the second, but for the kinds of their brackets.
+static bool begins_alike(const char *text, const char *beginning) {
+    const auto round = [](char c) { return c == '[' ? '(' : c == ']' ? ')' : c; };
+    while (*beginning != '\0' && round(*text) == round(*beginning)) {
+        ++text;
+        ++beginning;
+    }
+    return *beginning == '\0';
+}
+
+// The name under which a signal that was found as `name` is registered, as the simulator spells it,
+// without what follows the signal's own name, such as the index of a scalar's bit.
+static char *name_to_register(mtiSignalIdT signal, const char *name) {
+    const char *leaf = mfli_leaf_of(name);
     char *indirect = mti_GetSignalNameIndirect(signal, nullptr, 0);
-    if (indirect == nullptr) {
-        return;
+    const bool is_same = indirect != nullptr && begins_alike(leaf, indirect);
+    char *path = mfli_get_region_full_name(mfli_region_of_name(name, signal));
+    char *full_name = mfli_add_path_to_name(is_same ? indirect : leaf, path, 1);
+    free(path);
+    if (indirect != nullptr) {
+        mti_VsimFree(indirect);
     }
-    const int position = mfli_last_substring_position(name, indirect);
-    if (position >= 0) {
-        name[static_cast<size_t>(position) + strlen(indirect)] = '\0';
-    }
-    mti_VsimFree(indirect);
+    return full_name;
 }
 
 static bool is_in_scope(const char *name, st_table *scope_list) {
@@ -76,14 +88,17 @@ static void register_rtl_object(const char *add_path, const char *key, st_table 
     if (signal == nullptr) {
         signal = find_whole_scalar(name);
     }
-    if (signal != nullptr) {
-        cut_behind_signal(name, signal);
-        if (is_in_scope(name, scope_list)) {
-            mfli_register_net(signal, name, 0);
+    char *own_name = signal == nullptr ? nullptr : name_to_register(signal, name);
+    if (own_name != nullptr) {
+        if (is_in_scope(own_name, scope_list)) {
+            mfli_register_net(signal, own_name, 0);
         } else {
-            mfli_message("Warning (KLVA-PWR): Signal %s not in scope, skipping", name);
+            mfli_message("Warning (KLVA-PWR): Signal %s not in scope, skipping", own_name);
         }
+    } else if (signal != nullptr) {
+        mfli_tell_unrecorded(name);
     }
+    free(own_name);
     free(name);
 }
 

@@ -2,6 +2,7 @@
 // Gathers regions and keeps nested ones out.
 #include "plugin/select/scope_list.h"
 
+#include "plugin/select/names.h"
 #include "plugin/support/messages.h"
 #include "plugin/support/text.h"
 
@@ -40,9 +41,9 @@ void add_region_to_scope_list(mtiRegionIdT region, st_table *scope_list) {
         mfli_print_text("Error, scope_list not initialized");
         return;
     }
-    char *full_name = mti_GetRegionFullName(region);
-    if (!overlaps(full_name, scope_list)) {
+    char *full_name = mfli_get_region_full_name(region);
+    if (full_name != nullptr && !overlaps(full_name, scope_list)) {
         st_insert_kptr_vptr(scope_list, mfli_strdup(full_name), region);
     }
-    mti_VsimFree(full_name);
+    free(full_name);
 }

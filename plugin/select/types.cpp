@@ -23,6 +23,9 @@ static bool literals_are(mtiTypeIdT type, const char *const (&expected)[N]) {
         return false;
     }
     char **literals = mti_GetEnumValues(type);
+    if (literals == nullptr) {
+        return false;
+    }
     for (int32_t i = 0; i < N; ++i) {
         if (strcmp(literals[i], expected[i]) != 0) {
             return false;
@@ -32,7 +35,7 @@ static bool literals_are(mtiTypeIdT type, const char *const (&expected)[N]) {
 }
 
 int32_t mfli_get_scalar_signal_type(mtiTypeIdT type) {
-    const mtiTypeKindT kind = mti_GetTypeKind(type);
+    const mtiTypeKindT kind = type == nullptr ? MTI_TYPE_ACCESS : mti_GetTypeKind(type);
     if (kind == MTI_TYPE_SCALAR) {
         return MFLI_TYPE_INTEGER;
     }

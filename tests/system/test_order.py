@@ -57,6 +57,11 @@ LIFE = [
      [ERROR + "toggle_stop must be done before toggle_report"]),
     ("toggle_start", [DONE + "Turned on counting window at time 25.000000"]),
     ("toggle_stop", [DONE + "Turned off counting window at time 25.000000"]),
+    ("toggle_report b.saif 1.0e-9 /top",
+     [DONE + 'Report done, wrote file "b.saif" at time 25.000000']),
+    ("toggle_start", [DONE + "Turned on counting window at time 25.000000"]),
+    ("toggle_reset", [DONE + "Resetting counting windows at time 25.000000"]),  # and the window
+    ("toggle_stop", [ERROR + "toggle_start must be done before toggle_stop."]),
     ("toggle_debug_level -1", [ERROR + "incorrect arguments to toggle_debug_level"]),
     ("toggle_debug_level", ["Setting debug level to 0"]),
 ]

@@ -121,6 +121,30 @@ TEST_F(Commands, ChooseRegionsAndSignals) {
     EXPECT_THAT(watched(), ElementsAre("/top/bus(0) 0/1", "/top/u1/q 0/1", "/top/u1/v/w 0/1"));
 }
 
+TEST(Restart, OfASimulatorThatKeepsTheLibraryBeginsAnew) {
+    for (const bool calls_back : {true, false, true}) {
+        wf::test::StrictSimulator sim;
+        sim.answers.calls_back_at_quit = calls_back;
+        sim.signal("/top/clk", sim.types.std_logic());
+        sim.start(swfli_init);
+        for (const Step &step : std::vector<Step>{
+                 {"set_toggle_region /top", {completed}},
+                 {"toggle_start",
+                  {"Information (KLVA-PWR): Turned on counting window at time 0.000000"}}}) {
+            sim.lines();
+            EXPECT_THAT(sim.output_of(step.line), ElementsAreArray(step.messages)) << step.line;
+        }
+        EXPECT_THAT(watched(), ElementsAre("/top/clk 0/1"));
+        sim.drive(3, "/top/clk", '1');
+        sim.run_to(9);
+        add_to_policy_table(sim.region_handle("/top"), MFLI_POLICY_OFF);
+        mfli_set_read_rtl_status();
+        EXPECT_EQ(mfli_window_time, 0.0);
+        mfli_window_time = 5.0;
+    }
+    mfli_window_active = 0;
+}
+
 TEST_F(Commands, SetPolicies) {
     const char *const too_few =
         "Error (KLVA-PWR): set_net_monitoring_policy must have at least two arguments";

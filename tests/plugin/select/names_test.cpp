@@ -7,6 +7,7 @@
 using ::testing::ElementsAreArray;
 using wf::Direction;
 using wf::Type;
+using wf::test::ElementAnswer;
 
 namespace {
 
@@ -22,8 +23,56 @@ class Names : public Recorder {
         const Type *record =
             sim.types.record("r", {{"f", logic}, {"g", sim.types.array(logic, 0, 2)}});
         sim.signal("/top/rec", record);
+        const Type *two = sim.types.array(logic, 1, 0);
+        sim.signal("/top/g[1]/v", two);
+        sim.signal("/top/g[1]/os",
+                   sim.types.array(
+                       sim.types.record("o", {{"i", sim.types.record("i", {{"w", two}})}}), 4, 5));
+        sim.signal("/top/n[3]", logic);
+        sim.design().add_signal(&sim.region("/top"), "\\x(1)/y\\", logic, wf::Mode::internal,
+                                sim.design().new_storage(logic));
+        sim.kernel().sync();
     }
 };
+
+std::string taken(char *text) {
+    std::string copy = text;
+    free(text);
+    return copy;
+}
+
+TEST_F(Names, OfSingleObjectsAreTheirOwn) {
+    // What a single name becomes, over simulators that answer to an element's name differently.
+    const struct {
+        const char *written;
+        const char *found;
+        const char *name = nullptr;  // as written
+    } rows[] = {{"/top/bus(3)", "/top/bus(3)"},
+                {"bus[3]", "/top/bus(3)", "/top/bus(3)"},
+                {"/top/mem(1)", "/top/mem(1)"},
+                {"top/mem(1)(2)", "/top/mem(1)(2)", "/top/mem(1)(2)"},
+                {"/top/u1/clk(3)", "/top/u1/clk"},
+                {"/top/rec.g(1)", "/top/rec.g(1)"},
+                {"/top/rec.f", "/top/rec.f"},
+                {"/top/g(1)/v", "/top/g[1]/v", "/top/g[1]/v"},
+                {"/top/g[1]/v(0)", "/top/g[1]/v(0)"},
+                {"/top/g(1)/os[5].i.w", "/top/g[1]/os(5).i.w", "/top/g[1]/os(5).i.w"},
+                {"/top/g(1)/os(5).i.w(1)", "/top/g[1]/os(5).i.w(1)", "/top/g[1]/os(5).i.w(1)"},
+                {"/top/n[3]", "/top/n[3]"},
+                {"/top/n(3)", "/top/n[3]", "/top/n[3]"},
+                {"/top/\\x(1)/y\\", "/top/\\x(1)/y\\"}};
+    for (const ElementAnswer answer :
+         {ElementAnswer::as_hosts, ElementAnswer::whole, ElementAnswer::itself}) {
+        sim.answers.element = answer;
+        for (const auto &row : rows) {
+            const mtiSignalIdT found = mfli_find_signal(row.written);
+            EXPECT_EQ(found, sim.handle(row.found)) << row.written << static_cast<int>(answer);
+            EXPECT_EQ(taken(mfli_get_signal_full_indexed_name(found, row.written)),
+                      row.name == nullptr ? row.written : row.name);
+        }
+    }
+    EXPECT_THAT(sim.lines(), ::testing::IsEmpty());
+}
 
 std::string no_element(const std::string &name) {
     return "Warning (KLVA-PWR): could not find valid array element for signal " + name;

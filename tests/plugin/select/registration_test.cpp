@@ -82,7 +82,11 @@ TEST_F(Recorder, WatchesOneHandleOnceUnderAllItsNames) {
     sim.signal("/top/bus", sim.types.array(logic, 1, 0));
     sim.region("/top/u1");
     sim.shared_signal("/top/u1/own", "/top/net");
-    sim.alias("/top/u1/merged", "/top/net");  // met twice, each time under its one full name
+    sim.signal("/top/own", logic);
+    sim.signal("/top/pair", sim.types.record("p", {{"v", sim.types.array(logic, 0, 0)}}));
+    for (const char *name : {"net", "pair", "own"}) {  // ports that are the signals above them
+        sim.alias(std::string("/top/u1/") + name, std::string("/top/") + name);
+    }
     watch("/top");
     const mtiSignalIdT net = sim.handle("/top/net");
     for (const char *name : {"/top/net", "/top/u1/port", "/top/u2/p", "/top/u1/port"}) {
@@ -90,10 +94,10 @@ TEST_F(Recorder, WatchesOneHandleOnceUnderAllItsNames) {
     }
     mfli_register_net(sim.handle("/top/bus"), "ignored", 1);
     // Shared storage is not a shared handle.
-    EXPECT_THAT(watched(), ElementsAre("/top/net=/top/u1/port=/top/u2/p 0/1", "/top/bus(1) 0/1",
-                                       "/top/bus(0) 0/1", "/top/u1/own 0/1"));
-    EXPECT_EQ(sim.kernel().process_count(), 8U);
-    EXPECT_THAT(sim.lines(), IsEmpty());
+    EXPECT_THAT(watched(), ElementsAre("/top/net=/top/u1/net=/top/u1/port=/top/u2/p 0/1",
+                                       "/top/bus(1) 0/1", "/top/bus(0) 0/1", "/top/own 0/1",
+                                       "/top/pair.v(0)=/top/u1/pair.v(0) 0/1", "/top/u1/own 0/1"));
+    EXPECT_EQ(sim.kernel().process_count(), 12U);
 }
 
 TEST_F(Recorder, SaysLittleOfASignalWithoutAType) {
