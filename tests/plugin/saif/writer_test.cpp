@@ -179,6 +179,10 @@ TEST(Writer, EscapesWhatIsNotAnIdentifier) {
         EXPECT_EQ(string_len(name), std::string(row[1]).size());
         string_free(name);
     }
+    dstring *wide = string_alloc(std::string(300, '.').c_str());
+    chg_to_saif_name(&wide);
+    EXPECT_EQ(string_len(wide), 600U);
+    string_free(wide);
     dstring *twice = string_alloc("a.b");
     chg_to_saif_name(&twice);
     chg_to_saif_name(&twice);
