@@ -240,7 +240,6 @@ WRITERS = {
     "it fails": ([], "cat t.vcd >{}; exit 7", 7, recorded(0, 40), "wfsim: sh ended with exit status 7\n"),
     "it is killed": ([], "cat t.vcd >{}; kill -9 $$", 137, recorded(0, 40),
                      "wfsim: sh was ended by signal 9 (Killed)\n"),
-    "two waveforms": ([], f"cat t.vcd >{{}}; (cat {LONG}) >{{}}", 0, recorded(0, 40), ""),
     "it writes to a name of its own": (["-fifo", "w"], "test -p w && cat t.vcd >w", 0,
                                        recorded(0, 40), ""),
     "no such instance": (["-instance", "/no"], f"while cat {LONG}; do :; done >{{}}", 2,

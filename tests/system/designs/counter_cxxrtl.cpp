@@ -17,6 +17,7 @@ int main() {
         top.p_clk.set<unsigned>(time % 10 < 5);
         top.p_reset.set<unsigned>(time < 22);
         top.step();
+        top.step();  // outputs of registers follow only at the next evaluation
         waveform.sample(time);
     }
     std::ofstream("counter.wave") << waveform.buffer;
