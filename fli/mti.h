@@ -81,8 +81,8 @@ extern void mti_AddQuitCB(mtiVoidFuncPtrT function, void *parameter);
 extern void mti_PrintMessage(char *text);
 extern void mti_VsimFree(void *memory);
 
-/* Regions. Names are absolute ("/top/u1") or relative to the top region. The full name is released
- * with mti_VsimFree, the plain name is not. mti_NextRegion keeps no state. */
+/* Regions. Names are absolute ("/top/u1") or relative to the environment, at first the top region.
+ * mti_VsimFree releases the full name, not the plain one. mti_NextRegion keeps no state. */
 extern mtiRegionIdT mti_GetTopRegion(void);
 extern mtiRegionIdT mti_FindRegion(char *name);
 extern mtiRegionIdT mti_FirstLowerRegion(mtiRegionIdT region);

@@ -68,6 +68,19 @@ void Design::fill_defaults(const Type *type, uint8_t *bytes) {
     }
 }
 
+void Design::reset_values() {
+    std::fill(values_.begin(), values_.end(), uint8_t{0});
+    std::vector<const Region *> left(roots_.begin(), roots_.end());
+    while (!left.empty()) {
+        const Region *region = left.back();
+        left.pop_back();
+        for (const Signal *signal : region->signals) {
+            fill_defaults(signal->type, values_.data() + signal->slot);
+        }
+        left.insert(left.end(), region->children.begin(), region->children.end());
+    }
+}
+
 Signal *Design::add_signal(Region *region, std::string_view name, const Type *type, Mode mode,
                            Slot slot) {
     Signal *signal = signals_.make();
@@ -139,6 +152,15 @@ bool Design::holds_signals(const Region *region) {
         left.insert(left.end(), children.begin(), children.end());
     }
     return !left.empty();
+}
+
+Region *Design::start_of(std::string_view &path) const {
+    Region *region = environment();
+    while (region != nullptr && (path == ".." || path.starts_with("../"))) {
+        path.remove_prefix(std::min<size_t>(path.size(), 3));
+        region = region->parent;
+    }
+    return region;
 }
 
 Region *Design::next(const Region *region) const {

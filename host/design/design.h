@@ -16,8 +16,9 @@
 namespace wf {
 
 // Paths. Levels are separated by '/', elements and fields are written as in the interface:
-// "/top/u1/bus(3)", "/top/mem(2)(7)", "/top/rec.arr(0)". A relative path is tried below the top
-// region first and then as one that lacks its leading '/'. A name may itself hold any character (an
+// "/top/u1/bus(3)", "/top/mem(2)(7)", "/top/rec.arr(0)". A relative path is tried below the
+// environment first, each ".." that it begins with one level further up, and then as one that lacks
+// its leading '/'. A name may itself hold any character (an
 // escaped identifier does): at every level the text up to the next '/' is tried as a child's exact
 // name, and, only where a region has such names, the text up to each later '/' too. A signal's
 // exact name comes before its reading as a name with an element. A region whose name has square
@@ -59,6 +60,12 @@ class Design {
     // The top region: the first root that is not a package, else the first root; null in an empty
     // design.
     Region *top() const;
+    // Where relative paths start: the top region until another one is chosen.
+    Region *environment() const { return environment_ != nullptr ? environment_ : top(); }
+    void set_environment(Region *region) { environment_ = region; }
+    // Takes the levels ".." that a relative path begins with off it, and answers the region that
+    // the rest starts in; null stands for the place above the roots.
+    Region *start_of(std::string_view &path) const;
     // The region after this one among its neighbours, or null.
     Region *next(const Region *region) const;
     // The region of that path ("/" is the top region), or null.
@@ -100,6 +107,8 @@ class Design {
     uint8_t *values() { return values_.data(); }
     const uint8_t *values() const { return values_.data(); }
     Slot slot_count() const { return slot_count_; }
+    // Gives every signal the value that new_storage left it with.
+    void reset_values();
 
     // --- handles ---
     // Whether an address is a handle of this design; any address may be asked for.
@@ -128,6 +137,7 @@ class Design {
     Signals signals_;
     TextArena names_;
     std::vector<Region *> roots_;
+    Region *environment_ = nullptr;
     NameIndex root_index_;
     bool roots_have_odd_names_ = false;
     std::vector<char *> signal_names_;  // of the declared signals, by number

@@ -168,8 +168,10 @@ Region *Design::find_region(std::string_view path) {
     if (path.starts_with('/')) {
         return walk_regions(nullptr, path.substr(1));
     }
-    Region *below_top = top() == nullptr ? nullptr : walk_regions(top(), path);
-    return below_top != nullptr ? below_top : walk_regions(nullptr, path);
+    std::string_view rest = path;
+    Region *start = start_of(rest);
+    Region *found = rest.empty() && !path.empty() ? start : walk_regions(start, rest);
+    return found != nullptr ? found : walk_regions(nullptr, path);
 }
 
 Region *Design::walk_regions(Region *from, std::string_view path) {
@@ -206,8 +208,10 @@ Signal *Design::find_path(std::string_view path, bool exact) {
     if (path.starts_with('/')) {
         return walk_signal(nullptr, path.substr(1), exact);
     }
-    Signal *below_top = top() == nullptr ? nullptr : walk_signal(top(), path, exact);
-    return below_top != nullptr ? below_top : walk_signal(nullptr, path, exact);
+    std::string_view rest = path;
+    Region *start = start_of(rest);
+    Signal *found = walk_signal(start, rest, exact);
+    return found != nullptr ? found : walk_signal(nullptr, path, exact);
 }
 
 Signal *Design::walk_signal(Region *from, std::string_view path, bool exact) {

@@ -74,6 +74,14 @@ void Kernel::sync() {
     slot_capacity_ = capacity;
 }
 
+void Kernel::restart() {
+    for (uint32_t i = 0; i < queue_count_; ++i) {
+        groups_[queue_[i]].pending = 0;
+    }
+    queue_count_ = 0;
+    now_ = 0;
+}
+
 Process *Kernel::create_process(std::string_view name, ProcessFunction function, void *parameter,
                                 Priority priority) {
     if (next_process_ == process_limit) {

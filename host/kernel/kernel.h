@@ -88,6 +88,10 @@ class Kernel {
         begin_step(time);
     }
 
+    // Goes back to time 0 between two steps: changes that wait for the next step are forgotten, who
+    // watches what stays. The storage's values are the caller's to set, and no event.
+    void restart();
+
     // --- values ---
     uint8_t byte(Slot slot) const { return values_[slot]; }
     int64_t word(Slot slot) const {

@@ -13,9 +13,10 @@ namespace wf {
 class Shell;
 struct Simulation;
 
-void add_run_commands(Tcl_Interp *interp, Shell &shell);     // run, now
-void add_script_commands(Tcl_Interp *interp, Shell &shell);  // do, transcript, quit, exit, help
-void add_design_commands(Tcl_Interp *interp, Shell &shell);  // find, examine
+void add_run_commands(Tcl_Interp *interp, Shell &shell);     // run, restart, now
+void add_script_commands(Tcl_Interp *interp, Shell &shell);  // do, echo, transcript, quit, help
+void add_design_commands(Tcl_Interp *interp, Shell &shell);  // find, examine, environment, radix
+void add_absent_commands(Tcl_Interp *interp, Shell &shell);  // those of simulators that say no
 
 // The error code that marks a Tcl error as the interrupt key's doing.
 inline constexpr const char *interrupted_error_code = "WFSIM INTERRUPTED";

@@ -41,6 +41,8 @@ class MessageWatch final : public Console {
     // Takes the errors over: answers first_error() and counts none from then on.
     std::string take_errors();
 
+    // Whether the plug-in said last that a counting window is open.
+    bool window_open() const { return window_open_; }
     // Reports that the plug-in says it has written.
     unsigned reports() const { return reports_; }
 

@@ -3,9 +3,15 @@
 #include "host/shell/radix.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace wf {
 namespace {
+
+// Beside radix_names.
+constexpr Radix radices[] = {Radix::binary,          Radix::decimal, Radix::hex,
+                             Radix::octal,           Radix::decimal, Radix::symbolic,
+                             Radix::unsigned_decimal};
 
 bool is_known(char bit) {
     return bit == '0' || bit == '1' || bit == 'L' || bit == 'H';
@@ -15,10 +21,12 @@ bool is_one(char bit) {
     return bit == '1' || bit == 'H';
 }
 
-std::string to_hex(std::string_view bits) {
+// Digits of so many bits each.
+std::string to_digits(std::string_view bits, size_t bits_each) {
     std::string text;
     while (!bits.empty()) {
-        const size_t width = bits.size() % 4 == 0 ? 4 : bits.size() % 4;
+        const size_t rest = bits.size() % bits_each;
+        const size_t width = rest == 0 ? bits_each : rest;
         const std::string_view digit = bits.substr(0, width);
         unsigned value = 0;
         for (const char bit : digit) {
@@ -66,39 +74,22 @@ std::string to_decimal(std::string_view bits, bool negate) {
 
 }  // namespace
 
-bool parse_radix(std::string_view name, Radix *radix) {
-    struct Name {
-        std::string_view name;
-        Radix radix;
-    };
-    static constexpr Name names[] = {{"binary", Radix::binary},
-                                     {"bin", Radix::binary},
-                                     {"b", Radix::binary},
-                                     {"hexadecimal", Radix::hex},
-                                     {"hex", Radix::hex},
-                                     {"h", Radix::hex},
-                                     {"decimal", Radix::decimal},
-                                     {"dec", Radix::decimal},
-                                     {"d", Radix::decimal},
-                                     {"signed", Radix::decimal},
-                                     {"unsigned", Radix::unsigned_decimal},
-                                     {"u", Radix::unsigned_decimal}};
-    for (const Name &known : names) {
-        if (known.name == name) {
-            *radix = known.radix;
-            return true;
-        }
-    }
-    return false;
+Radix radix_at(int position) {
+    return radices[position];
+}
+
+std::string_view name_of(Radix radix) {
+    const auto *found = std::find(std::begin(radices), std::end(radices), radix);
+    return radix_names[found - std::begin(radices)];
 }
 
 std::string in_radix(std::string_view bits, Radix radix) {
-    if (radix == Radix::binary || bits.empty() ||
+    if (radix == Radix::symbolic || radix == Radix::binary || bits.empty() ||
         bits.find_first_not_of("UX01ZWLH-") != std::string_view::npos) {
         return std::string(bits);
     }
-    if (radix == Radix::hex) {
-        return to_hex(bits);
+    if (radix == Radix::hex || radix == Radix::octal) {
+        return to_digits(bits, radix == Radix::hex ? 4 : 3);
     }
     if (!std::all_of(bits.begin(), bits.end(), is_known)) {
         return "X";

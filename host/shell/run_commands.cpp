@@ -5,9 +5,12 @@
 
 #include "host/shell/commands.h"
 #include "host/shell/interrupt.h"
+#include "host/shell/message_watch.h"
+#include "host/shell/plugin_command.h"
 #include "host/shell/run_control.h"
 #include "host/shell/shell.h"
 #include "host/shell/transcript.h"
+#include "host/shell/words.h"
 
 namespace wf {
 namespace {
@@ -16,16 +19,12 @@ Shell &shell_of(ClientData data) {
     return *static_cast<Shell *>(data);
 }
 
-// The time that the words of a run command name, as an absolute limit; the error text otherwise.
+// What `run` alone stands for.
+constexpr const char *default_length = "100";
+
+// The time that a run command names, as an absolute limit; the error text otherwise.
 std::string limit_of(Shell &shell, const std::string &words, Ticks *limit) {
     const RunControl &control = shell.simulation().control;
-    if (words == "-all" || words == "-a") {
-        *limit = run_to_end;
-        return {};
-    }
-    if (words.empty()) {
-        return "usage: run TIME | run -all";
-    }
     const ParsedTime time = parse_time(words, control.resolution_exponent());
     if (!time.error.empty()) {
         return "run: " + time.error;
@@ -62,13 +61,20 @@ int resume_run(ClientData data[], Tcl_Interp *interp, int code) {
     return finish_run(interp, run->shell, run->shell.simulation().control.result(), run->limit);
 }
 
-int start_run(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
+int start_run(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const arguments[]) {
     Shell &shell = shell_of(data);
     shell.flush();
-    Ticks limit = 0;
-    const std::string error = limit_of(shell, join_words(1, count, words), &limit);
-    if (!error.empty()) {
-        return fail(interp, error);
+    Ticks limit = run_to_end;
+    if (count == 2 && text_of(arguments[1]).starts_with('-')) {
+        if (words::position(interp, arguments[1], words::run_options, "option") < 0) {
+            return TCL_ERROR;
+        }
+    } else {
+        const std::string length = count == 1 ? default_length : join_words(1, count, arguments);
+        const std::string error = limit_of(shell, length, &limit);
+        if (!error.empty()) {
+            return fail(interp, error);
+        }
     }
     const RunEnd end = shell.simulation().control.start(limit);
     if (end != RunEnd::suspended) {
@@ -81,6 +87,35 @@ int start_run(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const wor
 
 int run(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
     return Tcl_NRCallObjProc(interp, start_run, data, count, words);
+}
+
+// --- restart ---
+
+// What was counted up to now is in the plug-in's figures; time that runs backwards would not be.
+void close_window(const Simulation &simulation) {
+    if (simulation.watch.window_open()) {
+        simulation.transcript.print(
+            "Note: restart closes the counting window; what it has counted is kept");
+        run_plugin_command(simulation, "toggle_stop", "toggle_stop");
+    }
+}
+
+int restart(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const arguments[]) {
+    for (int i = 1; i < count; ++i) {
+        if (words::position(interp, arguments[i], words::restart_options, "option") < 0) {
+            return TCL_ERROR;
+        }
+    }
+    Shell &shell = shell_of(data);
+    const Simulation &simulation = shell.simulation();
+    shell.flush();
+    std::string error = simulation.control.restart_obstacle();
+    if (error.empty()) {
+        close_window(simulation);
+        error = simulation.control.restart();
+        shell.run_notes().restart();
+    }
+    return error.empty() ? TCL_OK : fail(interp, "restart: " + error);
 }
 
 int now(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
@@ -97,6 +132,7 @@ int now(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) 
 
 void add_run_commands(Tcl_Interp *interp, Shell &shell) {
     Tcl_NRCreateCommand(interp, "run", run, start_run, &shell, nullptr);
+    Tcl_CreateObjCommand(interp, "restart", restart, &shell, nullptr);
     Tcl_CreateObjCommand(interp, "now", now, &shell, nullptr);
 }
 

@@ -40,10 +40,21 @@ class RunControl {
     // What the last run came to, for a script that was suspended.
     virtual RunEnd result() const = 0;
 
+    // Why time cannot go back to 0, a whole sentence without its full stop; empty: it can.
+    virtual std::string restart_obstacle() const = 0;
+
+    // Goes back to time 0 and to the values that were there before the first run, where nothing
+    // stands in the way. Empty, or what went wrong.
+    virtual std::string restart() = 0;
+
+    // What the host calls itself: "a replay".
+    virtual const char *host_name() const { return "a replay"; }
+
     // What a run meets when there is nothing further to simulate.
     virtual const char *end_name() const { return "the end of the data"; }
 
-    // `file:line: expected X, got Y` once a run has ended `damaged`, else empty.
+    // `file:line: expected X, got Y` once a run has ended `damaged`, after a restart too; else
+    // empty.
     virtual std::string damage() const = 0;
 };
 

@@ -25,6 +25,9 @@ class RunNotes {
     // Says when a time, as the user wrote it, is not a whole number of ticks.
     void tell_rounding(const std::string &words, const ParsedTime &time);
 
+    // Time went back to 0: damage is told again when it is met again.
+    void restart() { damage_told_ = false; }
+
     // "interrupted at 5 us".
     std::string interruption() const;
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The commands about the script and the session themselves: do, transcript, quit, exit, help.
+// The commands about the script and the session themselves: do, echo, transcript,
+// quit, exit, help.
 #include <unistd.h>
 
 #include <cerrno>
@@ -98,6 +99,14 @@ int do_script(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const wor
     return Tcl_NRCallObjProc(interp, start_do, data, count, words);
 }
 
+// --- echo ---
+
+int echo(ClientData, Tcl_Interp *, int count, Tcl_Obj *const words[]) {
+    const std::string line = join_words(1, count, words) + "\n";
+    Tcl_WriteChars(Tcl_GetStdChannel(TCL_STDOUT), line.data(), static_cast<int>(line.size()));
+    return TCL_OK;
+}
+
 // --- transcript ---
 
 int transcript(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
@@ -165,16 +174,26 @@ int exit_as_quit(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const 
 // --- help ---
 
 constexpr const char *help_text =
-    "run TIME             simulate for a time: 100 (ticks), 100ns, 1.5 us\n"
-    "run -all             simulate to the end\n"
-    "now                  the simulated time\n"
-    "examine PATH...      the value of signals; -radix hex|unsigned|decimal|binary\n"
-    "find regions PATTERN the regions that match; -r: in all levels below, too\n"
-    "find signals PATTERN the signals that match; -r; -in -out -inout -internal -ports\n"
-    "do FILE [ARG]...     run a script; it finds its arguments in $1, $2, ...\n"
-    "transcript file NAME write the transcript to a file; transcript on, transcript off\n"
-    "quit [-f] [-code N]  end the program\n"
-    "and all of Tcl, and the commands of the plug-in:";
+    "Time\n"
+    "  run [TIME]           simulate for a time: 100 (ticks), 100ns, 1.5 us; alone: 100 ticks\n"
+    "  run -all             simulate to the end\n"
+    "  restart              go back to time 0; what is watched stays\n"
+    "  now                  the simulated time\n"
+    "Design\n"
+    "  find regions PATTERN the regions that match; -r: in all levels below, too\n"
+    "  find signals PATTERN the signals that match; -r -in -out -inout -internal -ports\n"
+    "  examine PATH...      the value of signals; -hex and its like, or -radix hex\n"
+    "  radix [NAME]         how examine shows vectors when it is not told: symbolic, binary, "
+    "octal,\n"
+    "                       hexadecimal, unsigned, decimal\n"
+    "  environment [PATH]   the region in which paths without a leading / start; env for short\n"
+    "Scripts\n"
+    "  do FILE [ARG]...     run a script; it finds its arguments in $1, $2, ...\n"
+    "  echo WORD...         print words\n"
+    "  transcript file NAME write the transcript to a file; transcript on, transcript off\n"
+    "  quit [-f] [-code N]  end the program\n"
+    "  help                 this list\n"
+    "All of Tcl; and the commands of the plug-in";
 
 int help(ClientData data, Tcl_Interp *, int, Tcl_Obj *const[]) {
     const Simulation &simulation = shell_of(data).simulation();
@@ -191,6 +210,7 @@ int help(ClientData data, Tcl_Interp *, int, Tcl_Obj *const[]) {
 
 void add_script_commands(Tcl_Interp *interp, Shell &shell) {
     Tcl_NRCreateCommand(interp, "do", do_script, start_do, &shell, nullptr);
+    Tcl_CreateObjCommand(interp, "echo", echo, &shell, nullptr);
     Tcl_CreateObjCommand(interp, "transcript", transcript, &shell, nullptr);
     Tcl_CreateObjCommand(interp, "quit", quit, &shell, nullptr);
     Tcl_CreateObjCommand(interp, "exit", exit_as_quit, &shell, nullptr);

@@ -65,16 +65,17 @@ void walk(const Design &design, Region *start, const Levels &levels, bool recurs
 
 template <typename Collect>
 Paths find(Design &design, const Search &search, const Collect &collect) {
-    const Levels levels = split_levels(search.pattern);
+    std::string_view pattern = search.pattern;
+    const bool absolute = pattern.starts_with('/');
+    Region *start = absolute ? nullptr : design.start_of(pattern);
+    const Levels levels = split_levels(pattern);
     Paths found;
     if (levels.empty()) {
         return found;
     }
     const auto collect_here = [&](Region *region) { collect(region, levels.back(), found); };
-    if (!search.pattern.starts_with('/') && design.top() != nullptr) {
-        walk(design, design.top(), levels, search.recursive, collect_here);
-    }
-    if (found.empty()) {
+    walk(design, start, levels, search.recursive, collect_here);
+    if (found.empty() && !absolute && pattern == search.pattern) {
         walk(design, nullptr, levels, search.recursive, collect_here);
     }
     return found;

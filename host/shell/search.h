@@ -15,7 +15,7 @@ namespace wf {
 struct Search {
     // Levels separated by '/', each matched as Tcl's `string match` does (*, ?, [ab], \ before a
     // special character) or letter for letter; a '*' stays within its level. Without a leading '/'
-    // the pattern begins below the top region, or, when nothing matches there, at the roots.
+    // the pattern begins in the environment, or, when nothing matches there, at the roots.
     std::string pattern;
     // The last level's pattern is tried in every region below, too.
     bool recursive = false;

@@ -105,6 +105,7 @@ Shell::Shell(const Simulation &simulation)
     add_run_commands(interp_, *this);
     add_script_commands(interp_, *this);
     add_design_commands(interp_, *this);
+    add_absent_commands(interp_, *this);
     simulation_.session.on_command(
         [this](const Command &command) { add_plugin_command(command.name); });
     on_interrupt([](void *handler) { Tcl_AsyncMark(static_cast<Tcl_AsyncHandler>(handler)); },

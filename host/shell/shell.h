@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The Tcl interpreter that a run script lives in. It has Tcl's own commands, the shell's (run, now,
-// examine, find, do, transcript, quit, help) and those that plug-ins registered.
+// The Tcl interpreter that a run script lives in. It has Tcl's own commands, the shell's
+// (commands.h) and those that plug-ins registered.
 //
 // A host that moves time by itself calls run_file or run_text and is done when they return. A host
 // inside a simulator runs the script as a coroutine ("coroutine script do FILE") with run_text, is
@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/shell/radix.h"
 #include "host/shell/run_notes.h"
 #include "host/shell/simulation.h"
 #include "host/shell/tcl_channel.h"
@@ -60,6 +61,10 @@ class Shell {
     void request_quit(int code);
     int quit_code() const { return quit_code_; }
 
+    // The radix in which examine shows vectors when it is told none.
+    Radix default_radix() const { return default_radix_; }
+    void set_default_radix(Radix radix) { default_radix_ = radix; }
+
     const Simulation &simulation() const { return simulation_; }
     RunNotes &run_notes() { return run_notes_; }
 
@@ -73,6 +78,7 @@ class Shell {
     TranscriptChannels channels_;
     Tcl_Interp *interp_;
     Tcl_AsyncHandler interrupt_handler_;
+    Radix default_radix_ = Radix::symbolic;
     bool quit_requested_ = false;
     int quit_code_ = 0;
 };

@@ -21,9 +21,8 @@ class FileInput : public Input {
   public:
     // Owns `descriptor` unless it is standard input.
     FileInput(std::string name, int descriptor) : Input(std::move(name)), descriptor_(descriptor) {
-        struct stat facts = {};
-        if (fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode)) {
-            total_ = static_cast<uint64_t>(facts.st_size);
+        if (fstat(descriptor, &opened_) == 0 && S_ISREG(opened_.st_mode)) {
+            total_ = static_cast<uint64_t>(opened_.st_size);
         }
         posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
     }
@@ -34,8 +33,15 @@ class FileInput : public Input {
     }
     uint64_t bytes_read() const override { return read_; }
     uint64_t bytes_total() const override { return total_; }
+    std::string rewind_obstacle() const override;
 
   protected:
+    void go_to(uint64_t offset) override {
+        if (lseek(descriptor_, static_cast<off_t>(offset), SEEK_SET) < 0) {
+            fail(std::strerror(errno));
+        }
+        read_ = offset;
+    }
     std::size_t fill(char *buffer, std::size_t size) override {
         ssize_t count = 0;
         do {
@@ -51,9 +57,25 @@ class FileInput : public Input {
 
   private:
     int descriptor_;
+    struct stat opened_ = {};  // what the file was then
     uint64_t read_ = 0;
     uint64_t total_ = 0;
 };
+
+// A file that is written to meanwhile may hold another design by now.
+std::string FileInput::rewind_obstacle() const {
+    struct stat facts = {};
+    if (descriptor_ == STDIN_FILENO) {
+        return "standard input cannot be read a second time";
+    }
+    if (!S_ISREG(opened_.st_mode)) {
+        return name() + " is no regular file and cannot be read a second time";
+    }
+    const bool is_same = fstat(descriptor_, &facts) == 0 && facts.st_size == opened_.st_size &&
+                         facts.st_mtim.tv_sec == opened_.st_mtim.tv_sec &&
+                         facts.st_mtim.tv_nsec == opened_.st_mtim.tv_nsec;
+    return is_same ? "" : name() + " has changed since it was opened";
+}
 
 // What decompressors have in common: they take blocks and know one stream from the next.
 class CompressedInput : public Input {
@@ -65,12 +87,14 @@ class CompressedInput : public Input {
           block_(1U << 18) {}
     uint64_t bytes_read() const override { return compressed_->bytes_read(); }
     uint64_t bytes_total() const override { return compressed_->bytes_total(); }
+    std::string rewind_obstacle() const override { return compressed_->rewind_obstacle(); }
 
   protected:
     // What became of one call of the decompressor.
     enum class Result : uint8_t { more, stream_end, damage };
 
     std::size_t fill(char *buffer, std::size_t size) override;
+    void go_to(uint64_t offset) override;
 
     // Hands over compressed bytes.
     virtual void give(char *bytes, unsigned size) = 0;
@@ -138,6 +162,26 @@ std::size_t CompressedInput::fill(char *buffer, std::size_t size) {
         finish(result, written);
     }
     return written;
+}
+
+// A place in a stream is reached by decompressing what lies before it.
+void CompressedInput::go_to(uint64_t offset) {
+    if (!compressed_->rewind_to(0)) {
+        fail(compressed_->failure());
+        return;
+    }
+    give(block_.data(), 0);
+    restart();
+    inside_stream_ = after_stream_ = finished_ = false;
+    written_ = 0;
+    std::vector<char> passed(block_.size());
+    while (offset > 0) {
+        const std::size_t count = fill(passed.data(), std::min<uint64_t>(offset, passed.size()));
+        if (count == 0) {
+            return;
+        }
+        offset -= count;
+    }
 }
 
 class GzipInput : public CompressedInput {
@@ -225,8 +269,10 @@ class MemoryInput : public Input {
         : Input(std::move(name)), text_(std::move(text)), piece_(piece) {}
     uint64_t bytes_read() const override { return read_; }
     uint64_t bytes_total() const override { return text_.size(); }
+    std::string rewind_obstacle() const override { return {}; }
 
   protected:
+    void go_to(uint64_t offset) override { read_ = offset; }
     std::size_t fill(char *buffer, std::size_t size) override {
         const std::size_t count = std::min({size, piece_, text_.size() - read_});
         std::memcpy(buffer, text_.data() + read_, count);
@@ -250,6 +296,13 @@ std::size_t Input::read(char *buffer, std::size_t size) {
     std::memcpy(buffer, peeked_.data(), count);
     peeked_.erase(0, count);
     return count;
+}
+
+bool Input::rewind_to(uint64_t offset) {
+    peeked_.clear();
+    failure_.clear();
+    go_to(offset);
+    return !failed();
 }
 
 std::string_view Input::peek(std::size_t size) {

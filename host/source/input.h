@@ -36,6 +36,14 @@ class Input {
     // What went wrong, worded to stand after "got": `a truncated gzip stream`.
     const std::string &failure() const { return failure_; }
 
+    // Why the bytes cannot be had a second time, a whole sentence without its full stop; empty:
+    // they can.
+    virtual std::string rewind_obstacle() const { return name_ + " cannot be read a second time"; }
+
+    // Goes to the byte at `offset`, counted from the first; to be called where nothing stands in
+    // the way. False: failure().
+    bool rewind_to(uint64_t offset);
+
     // Bytes taken so far from the disk or the pipe, and how many it holds (0: not known).
     virtual uint64_t bytes_read() const = 0;
     virtual uint64_t bytes_total() const = 0;
@@ -43,6 +51,8 @@ class Input {
   protected:
     // The same as read, without the peeked bytes.
     virtual std::size_t fill(char *buffer, std::size_t size) = 0;
+    // The same as rewind_to; what was peeked and what failed has been forgotten.
+    virtual void go_to(uint64_t /*offset*/) { fail("it cannot be read a second time"); }
     void fail(std::string cause) { failure_ = std::move(cause); }
 
   private:

@@ -4,6 +4,7 @@
 //
 // Order of calls: open_source, then load once, then advance_to as often as wanted. A source that
 // reports damage has replayed everything before the damaged place and keeps answering `damaged`.
+// After a rewind it is as it was when load came back.
 #ifndef WATTFORGE_HOST_SOURCE_SOURCE_H
 #define WATTFORGE_HOST_SOURCE_SOURCE_H
 
@@ -53,6 +54,14 @@ class Source {
     // Applies every time step up to and including `limit` (ticks), each one finished in `kernel`
     // before the next begins and before the return. Pass the largest Ticks to read to the end.
     virtual Progress advance_to(Kernel &kernel, Ticks limit, StopFlag stop) = 0;
+
+    // Why the events cannot be replayed a second time, a whole sentence without its full stop;
+    // empty: they can.
+    virtual std::string rewind_obstacle() const = 0;
+
+    // Goes back to before the first event, where nothing stands in the way, and gives the design
+    // its first values again. False: error(), which advance_to tells then, too.
+    virtual bool rewind(Design &design) = 0;
 
     // `file:line: expected X, got Y`, in a binary format with a byte and a section instead of the
     // line; empty while nothing has gone wrong.

@@ -23,6 +23,11 @@ class ScriptClock final : public RunControl {
     int resolution_exponent() const override { return resolution_exponent_; }
     RunEnd start(Ticks limit) override;
     RunEnd result() const override { return result_; }
+    std::string restart_obstacle() const override {
+        return "the simulator cannot go back in time; start the simulation again";
+    }
+    std::string restart() override { return restart_obstacle(); }
+    const char *host_name() const override { return "a recording"; }
     const char *end_name() const override { return "the end of the simulation"; }
     std::string damage() const override { return {}; }
 

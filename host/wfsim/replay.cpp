@@ -25,8 +25,17 @@ RunEnd run_end(Progress progress) {
 
 RunEnd Replay::start(Ticks limit) {
     result_ = run_end(source_.advance_to(kernel_, limit, interrupt_flag()));
-    damaged_ = damaged_ || result_ == RunEnd::damaged;
+    if (result_ == RunEnd::damaged) {
+        damage_ = source_.error();
+    }
     return result_;
+}
+
+std::string Replay::restart() {
+    const bool rewound = source_.rewind(design_);
+    kernel_.restart();
+    result_ = RunEnd::reached;
+    return rewound ? "" : source_.error();
 }
 
 }  // namespace wf

@@ -15,21 +15,23 @@ namespace wf {
 class Replay final : public RunControl {
   public:
     // All of them outlive this; the design has been loaded from the source.
-    Replay(Source &source, const Design &design, Kernel &kernel)
+    Replay(Source &source, Design &design, Kernel &kernel)
         : source_(source), design_(design), kernel_(kernel) {}
 
     Ticks now() const override { return kernel_.now(); }
     int resolution_exponent() const override { return design_.resolution_exponent; }
     RunEnd start(Ticks limit) override;
     RunEnd result() const override { return result_; }
-    std::string damage() const override { return damaged_ ? source_.error() : std::string(); }
+    std::string restart_obstacle() const override { return source_.rewind_obstacle(); }
+    std::string restart() override;
+    std::string damage() const override { return damage_; }
 
   private:
     Source &source_;
-    const Design &design_;
+    Design &design_;
     Kernel &kernel_;
     RunEnd result_ = RunEnd::reached;
-    bool damaged_ = false;
+    std::string damage_;
 };
 
 }  // namespace wf

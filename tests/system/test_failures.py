@@ -84,6 +84,9 @@ STATUS = {
     "a damaged forward file": (
         [CUT, "toggle_debug_level 1", "!read_rtl_saif cut.fsaif /tb/dut"], 1),
     "the script's own status": (["!toggle_stop", "quit -code 7"], 7),
+    "what simulators offer": (
+        ["if {[env dut] ne {/tb/dut}} {error env}", "radix hex", "echo [examine q]", "run", "env ..",
+         "catch {add wave *}", "catch {bp x 1}", *RECORDED, "toggle_report out.saif 1e-9 dut"], 0),
     "leaving the design alone": (["catch {quit -sim} why", "error $why"], 1),
 }
 

@@ -71,6 +71,8 @@ for {set i 0} {$i < 3} {incr i} {
 }
 tell [lsort [find signals /tb/dut/rx/*]]
 tell [lsort [find regions -r /tb/dut/tx*]]
+tell [env dut/rx] [run] [now] [radix hex] [examine data ../divisor] [find signals da*]
+echo > [catch {force data 0} text] [regexp {^force: a [a-z]+ has no forced values$} $text]
 run -all
 toggle_stop
 toggle_report out.saif 1.0e-9 /tb/dut
@@ -96,6 +98,9 @@ FAILURES = {
     "an argument that is not one": (None, ["+wf_doo=run.tcl"], {}, 2, [
         "wattforge: +wf_doo=run.tcl: unknown argument; there are +wf_do=FILE, "
         "+wf_foreign=FUNCTION:LIBRARY, +wf_memory=BITS, +wf_strict, +wf_trace"]),
+    "back in time": ("set_toggle_region /tb; toggle_start; restart\n", [], {}, 1, [
+        "Error: run.tcl:1: restart: the simulator cannot go back in time; start the simulation "
+        "again", STILL_OPEN]),
     "a run past the end": (
         "run 1ms\n", [], {}, 0, ["Note: run stopped at 46706 ns, the end of the simulation"]),
 }

@@ -3,9 +3,12 @@
 """Replays a waveform made by Icarus Verilog and compares every figure with an independent count."""
 
 import gzip
+import os
 import shutil
+import subprocess
 import unittest
 
+from compare_saif import Report
 from programs import HERE, UART, WFSIM, FolderCase, must, run, simulate_uart, without_date
 
 REPORT = "toggle_report out.saif 1.0e-9 /tb/dut\n"
@@ -68,6 +71,45 @@ class Replay(FolderCase):
                 (self.folder / "run.tcl").write_text(script + "quit\n")
                 must(WFSIM, self.vcd, "-do", "run.tcl", folder=self.folder)
                 self.compare("out.saif", windows, further)
+
+    def test_after_a_restart_it_all_happens_again(self):
+        packed = self.folder / "packed"
+        packed.write_bytes(gzip.compress(self.vcd.read_bytes()))
+        for waveform, below, time in ((self.vcd, "dut", "20us"), (packed, "dut", "20us"),
+                                      (HERE.parent / "data" / "kinds.ghw", "u", "3ns")):
+            (self.folder / "run.tcl").write_text(
+                f"set_toggle_region {below}; toggle_start; run {time}; toggle_stop\n"
+                f"toggle_report first.saif 1.0e-12 {below}; toggle_reset; run -all; restart -f\n"
+                f"toggle_start; run {time}; toggle_stop; environment {below}\n"
+                f"toggle_report second.saif 1.0e-12 ../{below}\n"
+                f"restart; toggle_start; run {time}; restart\n"
+                f"toggle_report both.saif 1.0e-12 ../{below}; puts [now]\n")
+            with self.subTest(waveform.name):
+                shown = must(WFSIM, waveform, "-do", "run.tcl", folder=self.folder)
+                self.assertEqual(without_date(self.folder / "second.saif"),
+                                 without_date(self.folder / "first.saif"))
+                first, both = (Report(self.folder / f"{name}.saif") for name in ("first", "both"))
+                for path, (fields,) in first.bits.items():
+                    twice = {name: f"{2 * float(value):.6f}" for name, value in fields.items()}
+                    self.assertEqual(both.bits[path], [twice], path)
+                self.assertEqual(shown.count("Note: restart closes the counting window"), 1)
+                self.assertRegex(shown, r"\n0 [fp]s\n$")
+
+    def test_what_cannot_be_read_twice_is_not_restarted(self):
+        os.mkfifo(self.folder / "fifo")
+        writer = subprocess.Popen(["cp", self.vcd, "fifo"], cwd=self.folder)
+        self.addCleanup(writer.wait)
+        shutil.copy(self.vcd, self.folder / "grows.vcd")
+        script = ("set_toggle_region dut; toggle_start; run 1us\n"
+                  "set f [open grows.vcd a]; puts $f {}; close $f; catch {restart} why; puts $why; puts [now]")
+        rows = {"-": "standard input cannot be read a second time",
+                "fifo": "fifo is no regular file and cannot be read a second time",
+                "grows.vcd": "grows.vcd has changed since it was opened"}
+        for name, why in rows.items():
+            with self.subTest(name), open(self.vcd, encoding="latin-1") as pipe:
+                shown = must(WFSIM, name, "-do", script, folder=self.folder, stdin=pipe)
+                self.assertIn(f"\nrestart: {why}\n1000000 ps\nWarning: the counting window is",
+                              shown)
 
     def test_one_command_without_a_script(self):
         must(WFSIM, self.vcd, "-saif", "out.saif", "-instance", "/tb/dut", "-start", "1us",

@@ -48,6 +48,8 @@ class GhwSource : public Source {
 
     bool load(Design &design) override;
     Progress advance_to(Kernel &kernel, Ticks limit, StopFlag stop) override;
+    std::string rewind_obstacle() const override { return tokens_.input().rewind_obstacle(); }
+    bool rewind(Design &design) override;
     const std::string &error() const override { return state_.error; }
     SourcePosition position() const override {
         const Input &input = tokens_.input();
@@ -63,9 +65,11 @@ class GhwSource : public Source {
 
   private:
     bool read_declarations(Design &design);
+    void read_first_values(Design &design);
 
     Tokens tokens_;
     IdTable ids_;
+    uint64_t first_event_ = 0;
     std::optional<Events> events_;  // once the declarations have been read
     bool is_damaged_at_start_ = false;
     ReplayState state_;
@@ -88,11 +92,28 @@ bool GhwSource::read_declarations(Design &design) {
         state_.error = tokens_.error();
         return false;
     }
+    first_event_ = tokens_.place();
+    read_first_values(design);
+    return true;
+}
+
+void GhwSource::read_first_values(Design &design) {
     events_.emplace(tokens_, ids_);
     FirstValues sink(design, &state_.last_time);
     const EventsEnd end = events_->run(sink);
     state_.ended = end == EventsEnd::end_of_data;
     is_damaged_at_start_ = end == EventsEnd::damaged;
+}
+
+bool GhwSource::rewind(Design &design) {
+    state_ = {};
+    if (!tokens_.rewind_to(first_event_)) {
+        tokens_.fault_here("to read the file again", tokens_.input().failure());
+        state_.error = tokens_.error();
+        return false;
+    }
+    design.reset_values();
+    read_first_values(design);
     return true;
 }
 

@@ -35,6 +35,15 @@ bool Tokens::have(std::size_t wanted) {
     return static_cast<std::size_t>(end_ - cursor_) >= wanted;
 }
 
+bool Tokens::rewind_to(uint64_t place) {
+    bytes_before_ = item_ = place;
+    cursor_ = end_ = buffer_.data();
+    std::memset(buffer_.data(), 0, slack);
+    ended_ = false;
+    error_.clear();
+    return input_->rewind_to(place);
+}
+
 bool Tokens::take(const char *after, std::string_view expected) {
     item_ = offset_of(cursor_);
     if (after == nullptr || after > end_) {

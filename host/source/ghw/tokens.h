@@ -60,6 +60,11 @@ class Tokens {
                            : value;
     }
 
+    // --- places ---
+    uint64_t place() const { return offset_of(cursor_); }
+    // Goes back to a place; false: the input failed on the way.
+    bool rewind_to(uint64_t place);
+
     // --- messages; all answer false ---
     // About the item that was read last.
     bool fault(std::string_view expected, std::string_view got);

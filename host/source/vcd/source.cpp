@@ -34,6 +34,8 @@ class VcdSource : public Source {
 
     bool load(Design &design) override;
     Progress advance_to(Kernel &kernel, Ticks limit, StopFlag stop) override;
+    std::string rewind_obstacle() const override { return tokens_.input().rewind_obstacle(); }
+    bool rewind(Design &design) override;
     const std::string &error() const override { return state_.error; }
     SourcePosition position() const override {
         const Input &input = tokens_.input();
@@ -49,9 +51,11 @@ class VcdSource : public Source {
 
   private:
     bool read_declarations(Design &design);
+    void start_events();
 
     Tokens tokens_;
     IdTable ids_;
+    Tokens::Place first_event_;
     std::optional<Events> events_;  // once the declarations have been read
     ReplayState state_;
 };
@@ -70,10 +74,25 @@ bool VcdSource::read_declarations(Design &design) {
     if (!declare(tokens_, design, ids_, remarks, &state_.error)) {
         return false;
     }
-    const auto listener = [this](const std::string &text) { warn(text); };
-    remarks.tell(tokens_.input().name(), listener);
-    events_.emplace(tokens_, ids_, listener);
+    remarks.tell(tokens_.input().name(), [this](const std::string &text) { warn(text); });
+    first_event_ = tokens_.place();
+    start_events();
     return true;
+}
+
+bool VcdSource::rewind(Design &design) {
+    state_ = {};
+    if (!tokens_.rewind_to(first_event_)) {
+        state_.error = tokens_.fault("to read the file again");
+        return false;
+    }
+    start_events();
+    design.reset_values();
+    return true;
+}
+
+void VcdSource::start_events() {
+    events_.emplace(tokens_, ids_, [this](const std::string &text) { warn(text); });
 }
 
 Progress VcdSource::advance_to(Kernel &kernel, Ticks limit, StopFlag stop) {

@@ -47,7 +47,8 @@ void Tokens::make_room(std::size_t kept) {
 }
 
 bool Tokens::more(const char *&keep) {
-    lines_before_ += count_line_ends(buffer_.data(), keep);
+    before_.line += count_line_ends(buffer_.data(), keep);
+    before_.byte += static_cast<uint64_t>(keep - buffer_.data());
     const auto kept = static_cast<std::size_t>(end_ - keep);
     if (keep != buffer_.data()) {
         std::memmove(buffer_.data(), keep, kept);
@@ -102,6 +103,21 @@ bool Tokens::skip_past(std::string_view mark) {
     return false;
 }
 
+Tokens::Place Tokens::place() const {
+    return {.byte = before_.byte + static_cast<uint64_t>(cursor_ - buffer_.data()),
+            .line = before_.line + count_line_ends(buffer_.data(), cursor_)};
+}
+
+bool Tokens::rewind_to(const Place &place) {
+    before_ = place;
+    cursor_ = counted_ = end_ = buffer_.data();
+    lines_counted_ = 0;
+    std::memset(buffer_.data(), 0, slack);
+    token_ = {};
+    ended_ = overlong_ = false;
+    return input_->rewind_to(place.byte);
+}
+
 std::string Tokens::end_text() const {
     if (overlong_) {
         return "more than " + std::to_string(longest) + " bytes without a blank";
@@ -124,14 +140,14 @@ std::string Tokens::fault_at(const char *place, std::string_view expected,
 }
 
 std::string Tokens::place_text(const char *place) const {
-    const uint64_t line = lines_before_ + count_line_ends(buffer_.data(), place) + 1;
+    const uint64_t line = before_.line + count_line_ends(buffer_.data(), place) + 1;
     return input_->name() + ":" + std::to_string(line) + ": ";
 }
 
 uint64_t Tokens::line() {
     lines_counted_ += count_line_ends(counted_, token_.data());
     counted_ = token_.data();
-    return lines_before_ + lines_counted_ + 1;
+    return before_.line + lines_counted_ + 1;
 }
 
 }  // namespace wf::vcd

@@ -48,6 +48,16 @@ class Tokens {
     // Once there is no more: puts a blank there in place of the line end that the last line lacks.
     void close_last_line();
 
+    // --- places ---
+    struct Place {
+        uint64_t byte = 0;
+        uint64_t line = 0;  // line ends before it
+    };
+    // Where the cursor stands.
+    Place place() const;
+    // Goes back to a place; false: the input failed on the way.
+    bool rewind_to(const Place &place);
+
     // --- messages ---
     // `file:line: ` of a place in the buffer.
     std::string place_text(const char *place) const;
@@ -74,7 +84,7 @@ class Tokens {
     const char *cursor_;
     const char *end_;
     std::string_view token_;
-    uint64_t lines_before_ = 0;   // line ends in what has left the buffer
+    Place before_;                // what has left the buffer
     const char *counted_;         // how far line() has counted in the buffer,
     uint64_t lines_counted_ = 0;  // and how many it has met there
     bool ended_ = false;          // the input has nothing more to give

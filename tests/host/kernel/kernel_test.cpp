@@ -121,6 +121,10 @@ TEST_F(KernelTest, LetsProcessesMakeProcessesAndChanges) {
     kernel.set_byte(a->slot, 1);
     EXPECT_EQ(ran(), "mbPLP") << "new watchers wait for the next change, a delta cycle does not";
     EXPECT_EQ(ran(), "bPL") << "what a postponed process changes belongs to the next step";
+    kernel.restart();
+    EXPECT_EQ(ran(), "") << "and is forgotten when there is none";
+    kernel.set_byte(b->slot, kernel.byte(b->slot) ^ 1);
+    EXPECT_EQ(ran(), "bPL");
 }
 
 // A bit's own two watchers, which the kernel keeps in a form of their own, and what ends that form.

@@ -77,6 +77,7 @@ TEST_F(DesignCommandsTest, ExamineShowsValues) {
         {"dut/clk", "U"},
         {"/tb/dut/q", "010110Z1"},
         {"/tb/dut/q(6)", "1"},
+        {"-oct /tb/dut/q", "13X"},
         {"-hex /tb/dut/q", "5X"},
         {"-radix unsigned {/tb/dut/u[1]/mem(1)}", "241"},
         {"-radix decimal {/tb/dut/u[1]/mem(1)}", "-15"},
@@ -92,6 +93,9 @@ TEST_F(DesignCommandsTest, ExamineShowsValues) {
     }
     for (const char *wrong : {"", "-radix", "-radix roman /tb/clk", "-hex"}) {
         EXPECT_EQ(run(std::string("examine ") + wrong), ScriptEnd::failed) << wrong;
+    EXPECT_EQ(result_of("radix -hex; list [radix] [examine dut/q] [examine -bin dut/q]"),
+              "hexadecimal 5X 010110Z1");
+    EXPECT_EQ(result_of("radix symb; list [radix] [examine dut/q]"), "symbolic 010110Z1");
     }
     shown();
     run("examine /tb/clk /tb/dut/q(8)");

@@ -39,6 +39,8 @@ class FakeControl : public RunControl {
         return end;
     }
     RunEnd result() const override { return end; }
+    std::string restart_obstacle() const override { return obstacle; }
+    std::string restart() override { return {}; }
     std::string damage() const override {
         return end == RunEnd::damaged ? "x.vcd:7: expected a time, got \"#\"" : "";
     }
@@ -47,6 +49,7 @@ class FakeControl : public RunControl {
     std::vector<Ticks> limits;
     Ticks data_end = 1'000'000;
     RunEnd end = RunEnd::reached;
+    std::string obstacle;
     bool suspends = false;
 
   private:

@@ -86,7 +86,9 @@ struct Format {
 };
 
 std::vector<Format> formats() {
-    const std::string vcd = vcd_header + "#10\n1!\n0!\n1\"\n#20\n1!\n#30\n0\"\n";
+    // The header is longer than a block.
+    const std::string vcd = "$comment " + std::string(200000, '.') + " $end " + vcd_header +
+                            "#10\n1!\n0!\n1\"\n#20\n1!\n#30\n0\"\n";
     GhwBytes ghw = ghw_header();
     ghw.advance(10).bytes({1, 0, 1, 1}).advance(10).bytes({1, 1}).advance(10).bytes({2, 0});
     GhwBytes damaged = ghw;
@@ -105,6 +107,34 @@ std::vector<Format> formats() {
 
 Replay replay_of(const Format &format, const std::string &bytes) {
     return {format.make(make_memory_input("t", bytes), 65536), {"/t/b", "/t/c"}};
+}
+
+TEST(Sources, GoBackToTheirFirstEvent) {
+    for (const Format &format : formats()) {
+        for (const std::string &whole : {format.whole, format.damaged, format.lengthy}) {
+            Replay once = replay_of(format, whole);
+            const std::string first = once.values();
+            const Progress end = once.to(forever);
+            for (const std::string &file : {whole, gzipped(whole), bzipped(whole)}) {
+                SCOPED_TRACE(format.name);
+                std::string error;
+                Replay again(open_source(temporary_file("t", file), &error), once.watched);
+                for (const Ticks reached : {Ticks{15}, forever, forever}) {
+                    again.to(reached);
+                    ASSERT_EQ(again.source->rewind_obstacle(), "");
+                    ASSERT_TRUE(again.source->rewind(again.design));
+                    again.kernel->restart();
+                    EXPECT_EQ(again.values(), first);
+                    EXPECT_EQ(again.source->error(), "");
+                    again.steps.clear();
+                }
+                EXPECT_EQ(again.to(forever), end);
+                EXPECT_EQ(again.steps, once.steps);
+                EXPECT_EQ(again.source->error().substr(again.source->error().find(": ") + 1),
+                          once.source->error().substr(once.source->error().find(": ") + 1));
+            }
+        }
+    }
 }
 
 TEST(Sources, AreStoppedBetweenStepsByTheFlag) {
