@@ -11,9 +11,8 @@
 #include <cwchar>
 #include <optional>
 
-#include "host/fli/session.h"
+#include "host/shell/completion.h"
 #include "host/shell/interrupt.h"
-#include "host/shell/search.h"
 #include "host/shell/transcript.h"
 
 namespace wf {
@@ -23,53 +22,49 @@ constexpr const char *first_prompt = "wfsim> ";
 constexpr const char *next_prompt = "> ";
 constexpr int history_lines = 1000;
 
-struct Completion {
+// While a prompt is open.
+struct {
     const Shell *shell = nullptr;
-    std::vector<std::string> candidates;
+    Completion offered;
     size_t next = 0;
-} completion;
+} completing;
 
 const HeldInterrupts *interrupts = nullptr;  // while a line is being read
 
 // --- completion ---
 
-char *next_candidate(const char *, int state) {
-    if (state == 0) {
-        completion.next = 0;
-    }
-    if (completion.next == completion.candidates.size()) {
+char *next_word(const char *, int state) {
+    completing.next = state == 0 ? 0 : completing.next;
+    const std::vector<std::string> &words = completing.offered.words;
+    return completing.next == words.size() ? nullptr : strdup(words[completing.next++].c_str());
+}
+
+// Shows what there is to choose from below the line, and the line again.
+void show_list() {
+    int rows = 0;
+    int columns = 0;
+    rl_get_screen_size(&rows, &columns);
+    const size_t width = columns > 0 ? static_cast<size_t>(columns) : 80;
+    std::printf("\n%s", in_columns(completing.offered, width).c_str());
+    std::fflush(stdout);
+    rl_forced_update_display();
+}
+
+// The line editor puts in what all words have in common. A list is shown as soon as that is
+// nothing.
+char **complete_word(const char *word, int start, int) {
+    rl_attempted_completion_over = 1;
+    const std::string_view before{rl_line_buffer, static_cast<size_t>(start)};
+    completing.offered = complete(*completing.shell, before, word);
+    const Completion &offered = completing.offered;
+    if (offered.words.size() > 1 && offered.common() == word) {
+        show_list();
         return nullptr;
     }
-    return strdup(completion.candidates[completion.next++].c_str());
-}
-
-// A command's name stands first, or after a character that opens or separates commands.
-bool is_command_position(std::string_view line, size_t start) {
-    const size_t before = line.substr(0, start).find_last_not_of(" \t");
-    return before == std::string_view::npos || line[before] == ';' || line[before] == '{';
-}
-
-// What `word`, which begins at `start`, can become. A bracket is no end of words, since paths hold
-// them ({/tb/slot[2]/full}), but it may begin a command.
-std::vector<std::string> candidates_for(const Shell &shell, std::string_view word, size_t start) {
-    std::vector<std::string> candidates;
-    const std::string_view bracket = word.starts_with('[') ? "[" : "";
-    if (!bracket.empty() || is_command_position(rl_line_buffer, start)) {
-        for (const std::string &name : shell.command_names(word.substr(bracket.size()))) {
-            candidates.push_back(std::string(bracket) + name);
-        }
-    }
-    return candidates.empty() ? complete_path(shell.simulation().session.design, word) : candidates;
-}
-
-char **complete_word(const char *word, int start, int) {
-    completion.candidates = candidates_for(*completion.shell, word, static_cast<size_t>(start));
-    // Behind a region its contents come next, and inside braces a blank would be part of the path.
-    const bool is_region =
-        completion.candidates.size() == 1 && completion.candidates[0].ends_with('/');
-    const bool in_braces = start > 0 && rl_line_buffer[start - 1] == '{';
-    rl_completion_append_character = is_region || in_braces ? 0 : ' ';
-    return rl_completion_matches(word, next_candidate);
+    // Inside braces a blank would be part of the path.
+    const bool in_braces = before.ends_with('{');
+    rl_completion_append_character = offered.ends_word && !in_braces ? ' ' : 0;
+    return rl_completion_matches(word, next_word);
 }
 
 // --- the line editor ---
@@ -93,7 +88,7 @@ int read_key(std::FILE *) {
 class LineEditor {
   public:
     explicit LineEditor(const Shell &shell) {
-        completion.shell = &shell;
+        completing.shell = &shell;
         rl_readline_name = "wfsim";
         rl_getc_function = read_key;
         rl_initialize();
@@ -116,7 +111,7 @@ class LineEditor {
             write_history(history_file_.c_str());
         }
         clear_history();
-        completion = {};
+        completing = {};
     }
 
     // Nothing at the end of the input, and after the interrupt key.
@@ -167,6 +162,7 @@ ScriptEnd run_prompt(Shell &shell) {
     LineEditor editor(shell);
     std::string commands;
     for (;;) {
+        shell.simulation().transcript.begin_line();
         const auto line = editor.read_line(commands.empty() ? first_prompt : next_prompt);
         if (!line) {
             shell.simulation().transcript.write("\n");

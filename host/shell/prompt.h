@@ -10,7 +10,7 @@
 namespace wf {
 
 // Reads commands from the terminal, with line editing, a history kept in ~/.wfsim_history, and
-// completion of command names and of paths in the design, until `quit` or the end of the input.
+// completion (completion.h), until `quit` or the end of the input.
 // An error is told and the prompt comes back; the interrupt key clears the line. Answers `quit` or
 // `done`.
 ScriptEnd run_prompt(Shell &shell);

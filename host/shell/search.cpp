@@ -128,24 +128,28 @@ Paths complete_path(Design &design, std::string_view typed) {
     const auto add_children = [&](const std::vector<Region *> &regions) {
         for (const Region *region : regions) {
             if (std::string_view(region->name).starts_with(begun)) {
-                paths.push_back(stem + region->name + "/");
+                paths.push_back(stem + region->name);
             }
         }
     };
-    if (absolute && above.empty()) {
-        add_children(design.roots());
-        return paths;
-    }
-    const Region *region = above.empty() ? design.top() : design.find_region(above);
-    if (region == nullptr) {
-        return paths;
-    }
-    add_children(region->children);
-    for (const Signal *signal : region->signals) {
-        const std::string_view name = design.name_of(signal);
-        if (name.starts_with(begun)) {
-            paths.push_back(stem + std::string(name));
+    const auto add_signals = [&](const Region &of) {
+        for (const Signal *signal : of.signals) {
+            const std::string_view name = design.name_of(signal);
+            if (name.starts_with(begun)) {
+                paths.push_back(stem + std::string(name));
+            }
         }
+    };
+    const bool at_roots = absolute && above.empty();
+    const Region *region = above.empty() ? design.environment() : design.find_region(above);
+    if (at_roots) {
+        add_children(design.roots());
+    } else if (region != nullptr) {
+        add_children(region->children);
+        add_signals(*region);
+    }
+    if (paths.size() == 1 && paths.front() == typed && design.find_region(typed) != nullptr) {
+        paths.front() += '/';
     }
     return paths;
 }

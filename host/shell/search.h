@@ -27,8 +27,9 @@ struct Search {
 std::vector<std::string> find_regions(Design &design, const Search &search);
 std::vector<std::string> find_signals(Design &design, const Search &search);
 
-// The paths that a half-typed one can become, one level on: "/top/u" gives "/top/u1/" (regions end
-// in '/') and "/top/up". The parts typed already stand in the results as they were typed.
+// The paths that a half-typed one can become, one level on: "/top/u" gives "/top/u1" and "/top/up".
+// The levels typed already stand in the results as they were typed. A region that is the only one
+// and whole already gives itself with a '/' behind it.
 std::vector<std::string> complete_path(Design &design, std::string_view typed);
 
 }  // namespace wf

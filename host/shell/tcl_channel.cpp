@@ -17,6 +17,7 @@ int write_output(ClientData transcript, const char *text, int length, int *) {
 
 int write_error(ClientData transcript, const char *text, int length, int *error) {
     const auto size = static_cast<size_t>(length);
+    static_cast<Transcript *>(transcript)->clear_way();
     if (std::fwrite(text, 1, size, stderr) != size) {
         *error = errno;
         return -1;

@@ -27,15 +27,20 @@ void Transcript::write(std::string_view text) {
     if (text.empty()) {
         return;
     }
-    if (before_output_) {
-        before_output_();
-    }
+    clear_way();
     line_open_ = text.back() != '\n';
     if (screen_ != nullptr && (std::fwrite(text.data(), 1, text.size(), screen_) != text.size() ||
                                std::fflush(screen_) != 0)) {
         screen_failed_ = true;
     }
     write_to_file(text);
+}
+
+void Transcript::begin_line() {
+    clear_way();
+    if (line_open_) {
+        write("\n");
+    }
 }
 
 void Transcript::write_to_file(std::string_view text) {

@@ -45,6 +45,16 @@ class Transcript final : public Console {
     // `clear` is called before anything is written to the screen (to take a progress line away).
     void before_output(std::function<void()> clear) { before_output_ = std::move(clear); }
 
+    // Makes the screen ready for what is written to it past the transcript: the progress line is
+    // taken away.
+    void clear_way() {
+        if (before_output_) {
+            before_output_();
+        }
+    }
+    // The same for a prompt, which begins a line.
+    void begin_line();
+
     // True once standard output has refused text (a full disk, say).
     bool screen_failed() const { return screen_failed_; }
 

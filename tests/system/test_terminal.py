@@ -128,21 +128,24 @@ class Prompt(OnTerminal):
         self.assertEqual(self.answer("puts one }"), ["one"])
 
     def test_completion(self):
-        self.terminal.type("exa\t")
-        self.assertTrue(self.terminal.until("examine ").endswith("examine "))
-        self.terminal.type("/tb/du\tda\t")
-        self.assertIn("/tb/dut/data ", self.terminal.until("/tb/dut/data "))
-        self.assertEqual(self.answer(""), ["UUUU"])  # time has not begun
-        self.terminal.type("set_t\t")
-        self.terminal.until("set_toggle_region ")
-        self.terminal.type("dut/do\t")
-        self.terminal.until("dut/done ")
-        self.assertEqual(self.answer(""), ["Information (KLVA-PWR): Completed set_toggle_region"])
-        self.terminal.type("puts [exa\t{dut/la\tbu\t")
-        self.terminal.until("puts [examine {dut/lane[1]/busy")
-        self.assertEqual(self.answer("}]"), ["U"])
-        self.terminal.type("run 1; examine /tb/dut/d\t\t")
-        self.assertIn("\n/tb/dut/data  /tb/dut/done", self.terminal.until("/tb/dut/done"))
+        rows = [  # typed, what is shown of it; Ctrl-U begins anew
+            ("exa\t/tb/du\t", "examine /tb/dut"),
+            ("\tda\t", "/data "),
+            ("\x15set_t\tdut/do\t", "set_toggle_region dut/done "),
+            ("\x15puts [exa\t{dut/la\t\tbu\t", "puts [examine {dut/lane[1]/busy"),
+            ("\x15find re\t-re\t", "find regions -recursive "),
+            ("\x15puts a; examine /tb/dut/d\t",
+             "\ndata  done\n" + PROMPT + "puts a; examine /tb/dut/d"),
+            ("\x15do t.v\t", "do t.vcd "),
+        ]
+        for typed, line in rows:
+            self.terminal.type(typed)
+            self.assertTrue(self.terminal.until(line).endswith(line), line)
+        self.terminal.type("\x15")
+        self.assertEqual(self.answer("puts [examine {dut/lane[1]/busy}]"), ["U"])  # before time 0
+
+    def test_the_prompt_begins_a_line(self):
+        self.assertEqual(self.answer("puts -nonewline open"), ["open"])
 
     def test_the_interrupt_key_clears_the_line(self):
         self.terminal.type("nonsense")
@@ -167,6 +170,21 @@ class Prompt(OnTerminal):
 
 
 class Progress(OnTerminal):
+    ERASED = "\r\x1b\\[K"
+    LINE = r"\d+ MB, at [\d.]+ [num]s, \d+ MB/s"
+
+    def feed(self, waveform):
+        """Events, slowly."""
+        at = 100
+        for _ in range(4):
+            lines = []
+            while len(lines) < 150000:
+                at += 10
+                lines.append(f"#{at}\n{at // 10 % 2}!\n")
+            waveform.write("".join(lines))
+            waveform.flush()
+            time.sleep(0.3)
+
     def shown_on_the_way(self, *arguments):
         """What a terminal shows while the waveform comes slowly."""
         reading, writing = os.pipe()
@@ -174,23 +192,26 @@ class Progress(OnTerminal):
         os.close(reading)
         with os.fdopen(writing, "w") as waveform:
             waveform.write(WAVEFORM)
-            at = 100
-            for _ in range(4):
-                lines = []
-                while len(lines) < 150000:
-                    at += 10
-                    lines.append(f"#{at}\n{at // 10 % 2}!\n")
-                waveform.write("".join(lines))
-                waveform.flush()
-                time.sleep(0.3)
+            self.feed(waveform)
         shown = terminal.rest()
         self.assertEqual(terminal.process.wait(60), 0)
         return shown
 
     def test_drawn_over_itself_and_taken_away(self):
-        line = "\r\x1b\\[K"
-        one = r"\d+ MB, at [\d.]+ [num]s, \d+ MB/s"
-        self.assertRegex(self.shown_on_the_way(), f"^(({line})+{one})+{line}$")
+        self.assertRegex(self.shown_on_the_way(),
+                         f"^(({self.ERASED})+{self.LINE})+{self.ERASED}$")
+
+    def test_taken_away_before_the_prompt(self):
+        os.mkfifo(self.folder / "wave")
+        terminal = self.open("wave")
+        with open(self.folder / "wave", "w") as waveform:
+            waveform.write("$comment " + 4096 * "." + " $end\n" + WAVEFORM)
+            waveform.flush()
+            terminal.until(PROMPT)
+            terminal.type("run -all\r")
+            self.feed(waveform)
+        shown = terminal.read(lambda shown: PROMPT in shown)
+        self.assertRegex(shown, self.LINE + self.ERASED + r"\r?" + PROMPT)
 
     def test_not_shown_when_it_shall_be_quiet(self):
         self.assertEqual(self.shown_on_the_way("-quiet"), "")

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// find, examine and the completion of paths, over one design with every kind of name and value.
+// find, examine, environment, radix and the completion of words, over one design with every kind of
+// name and value.
 #include <gmock/gmock.h>
 
+#include "host/shell/completion.h"
 #include "host/shell/radix.h"
-#include "host/shell/search.h"
 #include "tests/host/shell/shell_fixture.h"
 
 namespace wf::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class DesignCommandsTest : public ShellTest {
   protected:
@@ -77,8 +77,8 @@ TEST_F(DesignCommandsTest, ExamineShowsValues) {
         {"dut/clk", "U"},
         {"/tb/dut/q", "010110Z1"},
         {"/tb/dut/q(6)", "1"},
-        {"-oct /tb/dut/q", "13X"},
         {"-hex /tb/dut/q", "5X"},
+        {"-oct /tb/dut/q", "13X"},
         {"-radix unsigned {/tb/dut/u[1]/mem(1)}", "241"},
         {"-radix decimal {/tb/dut/u[1]/mem(1)}", "-15"},
         {"{/tb/dut/u[1]/mem}", "UUUUUUUU 1111000H"},
@@ -93,23 +93,71 @@ TEST_F(DesignCommandsTest, ExamineShowsValues) {
     }
     for (const char *wrong : {"", "-radix", "-radix roman /tb/clk", "-hex"}) {
         EXPECT_EQ(run(std::string("examine ") + wrong), ScriptEnd::failed) << wrong;
+    }
     EXPECT_EQ(result_of("radix -hex; list [radix] [examine dut/q] [examine -bin dut/q]"),
               "hexadecimal 5X 010110Z1");
     EXPECT_EQ(result_of("radix symb; list [radix] [examine dut/q]"), "symbolic 010110Z1");
-    }
     shown();
     run("examine /tb/clk /tb/dut/q(8)");
     EXPECT_EQ(shown(), "Error: test:1: examine: no signal \"/tb/dut/q(8)\"\n");
 }
 
-TEST_F(DesignCommandsTest, PathsAreCompletedOneLevelOn) {
-    Design &design = sim.design();
-    EXPECT_THAT(complete_path(design, "/"), ElementsAre("/pkg/", "/tb/"));
-    EXPECT_THAT(complete_path(design, "/tb/"), ElementsAre("/tb/dut/", "/tb/clk", "/tb/level"));
-    EXPECT_THAT(complete_path(design, "/tb/dut/u"), ElementsAre("/tb/dut/u[0]/", "/tb/dut/u[1]/"));
-    EXPECT_THAT(complete_path(design, "dut/p"), ElementsAre("dut/pad"));
-    EXPECT_THAT(complete_path(design, "cl"), ElementsAre("clk"));
-    EXPECT_THAT(complete_path(design, "/tb/none/"), IsEmpty());
+TEST_F(DesignCommandsTest, TheEnvironmentIsWhereRelativePathsStart) {
+    const std::pair<const char *, const char *> rows[] = {
+        {"environment", "/tb"},
+        {"env dut", "/tb/dut"},
+        {"examine q", "010110Z1"},
+        {"examine ../clk", "1"},
+        {"find signals -in *", "/tb/dut/clk"},
+        {"find regions ../d*", "/tb/dut"},
+        {"environment u(1)", "/tb/dut/u[1]"},
+        {"examine state", "done"},
+        {"find signals ../../cl?", "/tb/clk"},
+        {"environment ../..", "/tb"},
+        {"env dut; catch {examine level}", "1"},  // nowhere but there
+        {"env /", "/tb"},
+    };
+    for (const auto &[command, result] : rows) {
+        EXPECT_EQ(result_of(command), result) << command;
+    }
+    for (const char *wrong : {"environment ..", "environment clk", "environment a b"}) {
+        EXPECT_EQ(run(wrong), ScriptEnd::failed) << wrong;
+    }
+}
+
+TEST_F(DesignCommandsTest, HalfTypedWordsAreCompleted) {
+    struct Row {
+        const char *before;
+        const char *word;
+        std::vector<std::string> words;
+    };
+    write_file("one.tcl", "");
+    std::filesystem::create_directory(path("odd"));
+    const Row rows[] = {
+        {"", "exa", {"examine"}},
+        {"puts ", "[exa", {"[examine"}},
+        {"if 1 {", "exa", {"examine"}},
+        {"examine ", "/", {"/pkg", "/tb"}},
+        {"examine ", "/tb/d", {"/tb/dut"}},
+        {"examine ", "/tb/dut", {"/tb/dut/"}},
+        {"examine ", "/tb/", {"/tb/clk", "/tb/dut", "/tb/level"}},
+        {"examine {", "/tb/dut/u", {"/tb/dut/u[0]", "/tb/dut/u[1]"}},
+        {"examine {/tb/dut/u[1]/state} ", "dut/p", {"dut/pad"}},
+        {"examine ", "/tb/none/", {}},
+        {"examine ", "-o", {"-octal"}},
+        {"examine -radix ", "o", {"octal"}},
+        {"run 5; find ", "re", {"regions"}},
+        {"find signals ", "-i", {"-in", "-inout", "-internal"}},
+        {"set x [find signals ", "cl", {"clk"}},
+        {"run ", "-", {"-all"}},
+    };
+    for (const auto &[before, word, words] : rows) {
+        EXPECT_EQ(complete(shell(), before, word).words, words) << before << word;
+    }
+    const Completion files = complete(shell(), "do ", path("o"));
+    EXPECT_THAT(files.words, ElementsAre(path("odd/"), path("one.tcl")));
+    EXPECT_EQ(in_columns(files, 15), "odd/\none.tcl\n");
+    EXPECT_EQ(in_columns(files, 17), "odd/     one.tcl\n");
 }
 
 TEST(Radix, TurnsBitsIntoDigits) {
