@@ -18,9 +18,6 @@ void add_script_commands(Tcl_Interp *interp, Shell &shell);  // do, echo, transc
 void add_design_commands(Tcl_Interp *interp, Shell &shell);  // find, examine, environment, radix
 void add_absent_commands(Tcl_Interp *interp, Shell &shell);  // those of simulators that say no
 
-// The error code that marks a Tcl error as the interrupt key's doing.
-inline constexpr const char *interrupted_error_code = "WFSIM INTERRUPTED";
-
 inline std::string_view text_of(Tcl_Obj *word) {
     int length = 0;
     const char *text = Tcl_GetStringFromObj(word, &length);
@@ -35,11 +32,6 @@ inline Tcl_Obj *new_text(std::string_view text) {
 inline int fail(Tcl_Interp *interp, std::string_view message) {
     Tcl_SetObjResult(interp, new_text(message));
     return TCL_ERROR;
-}
-
-inline int fail_interrupted(Tcl_Interp *interp, std::string_view message) {
-    Tcl_SetErrorCode(interp, "WFSIM", "INTERRUPTED", nullptr);
-    return fail(interp, message);
 }
 
 // Where plug-ins' errors are the script's: fails with the first of them, which then counts no

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// The interrupt key. One press asks whatever is going on to stop at the next safe place: a run
-// after its time step, a Tcl script after its command. A second press before the first has been
-// answered ends the program.
+// The interrupt key, and the signals by which a process is asked to end: SIGINT, SIGTERM, SIGHUP.
+// One of them asks whatever is going on to stop at the next safe place: a run after its time step,
+// a Tcl script after its command. A second press of the key, while the first signal still waits for
+// its answer, ends the program at once; what comes within a fifth of a second counts as the same
+// one, as a terminal and the programs between send it to several processes, each of which may pass
+// it on.
 #ifndef WATTFORGE_HOST_SHELL_INTERRUPT_H
 #define WATTFORGE_HOST_SHELL_INTERRUPT_H
 
@@ -11,8 +14,11 @@
 
 namespace wf {
 
-// From now on SIGINT is recorded instead of ending the program. Process-wide.
-void catch_interrupts();
+// From now on the signals end the program at once with a line of its own (`leave`), as long as
+// there is nothing to save, or are recorded. A SIGTERM or SIGHUP that is ignored stays ignored.
+// Process-wide.
+enum class OnInterrupt { leave, record };
+void catch_interrupts(OnInterrupt what);
 
 // What a program does with signals that has started another one and made files that must not stay
 // behind. Both functions are called by the signal handler and must be safe there.
@@ -21,18 +27,39 @@ struct InterruptRelay {
     void (*leave)();              // the program is about to be left at once
 };
 
-// From now on SIGTERM and SIGHUP, unless they are ignored, are taken for an interrupt, too, though
-// only the interrupt key, pressed twice, leaves at once; and the relay is told. Process-wide.
+// From now on the relay is told of the signals that are caught.
 void relay_interrupts(const InterruptRelay &relay);
 
-// Set to non-zero while an interrupt waits for its answer. Never null.
+// The same inside a simulator: records. With `pass_on` the simulator's own answer to the signal,
+// which ends the simulation, comes after that.
+void catch_interrupts_in_simulator(bool pass_on);
+// Gives the signals back to the simulator.
+void release_interrupts();
+
+// From now on a reader that goes away is an error of the writing, not the end of the process.
+void ignore_closed_pipes();
+
+// Not zero while an interrupt waits for its answer: the signal's number. Never null.
 const volatile std::sig_atomic_t *interrupt_flag();
 
-// Answers a waiting interrupt: true once for each.
-bool take_interrupt();
+// Not zero once reading has to come to its end even inside a time step, because nobody will carry
+// on from there: after SIGTERM and SIGHUP, and with `last` after SIGINT, too. Never null.
+const volatile std::sig_atomic_t *last_interrupt_flag();
+void every_interrupt_is_the_last(bool last);
 
-// While one of these lives, the interrupt key is held back except inside wait_for_input: none gets
-// lost between looking at the flag and waiting.
+// Answers a waiting interrupt: its signal, once for each; 0 for none.
+int take_interrupt();
+
+// SIGTERM or SIGHUP once one has come, answered or not: nothing new is to begin. Else 0.
+int termination();
+
+// The exit status that tells of that signal.
+inline int interrupted_status(int signal) {
+    return 128 + signal;
+}
+
+// While one of these lives, the signals are held back except inside wait_for_input: none gets lost
+// between looking at the flag and waiting.
 class HeldInterrupts {
   public:
     HeldInterrupts();

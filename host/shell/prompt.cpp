@@ -145,16 +145,34 @@ ScriptEnd run_typed(Shell &shell, const std::string &commands) {
     return end;
 }
 
-bool read_stream_line(std::FILE *input, std::string &line) {
-    line.clear();
-    for (int c = std::getc(input); c != EOF; c = std::getc(input)) {
-        line += static_cast<char>(c);
-        if (c == '\n') {
-            return true;
+// Lines of standard input, which may be long in coming.
+class StreamLines {
+  public:
+    // The next line with its line end; empty at the end of the input, and after an interrupt.
+    std::string next() {
+        size_t end = text_.find('\n');
+        while (end == std::string::npos && read_more()) {
+            end = text_.find('\n');
         }
+        std::string line = text_.substr(0, end == std::string::npos ? end : end + 1);
+        text_.erase(0, line.size());
+        return interrupted_ ? "" : line;
     }
-    return !line.empty();
-}
+    bool interrupted() const { return interrupted_; }
+
+  private:
+    bool read_more() {
+        const HeldInterrupts held;
+        interrupted_ = !held.wait_for_input(STDIN_FILENO);
+        char block[4096];
+        const ssize_t count = interrupted_ ? 0 : read(STDIN_FILENO, block, sizeof block);
+        text_.append(block, count < 0 ? 0 : static_cast<size_t>(count));
+        return count > 0;
+    }
+
+    std::string text_;
+    bool interrupted_ = false;
+};
 
 }  // namespace
 
@@ -166,7 +184,9 @@ ScriptEnd run_prompt(Shell &shell) {
         const auto line = editor.read_line(commands.empty() ? first_prompt : next_prompt);
         if (!line) {
             shell.simulation().transcript.write("\n");
-            if (!take_interrupt()) {
+            const int signal = take_interrupt();
+            if (signal == 0 || termination() != 0) {
+                shell.note_interruption(signal);
                 return ScriptEnd::done;
             }
             commands.clear();
@@ -176,17 +196,20 @@ ScriptEnd run_prompt(Shell &shell) {
         if (!Shell::is_complete(commands)) {
             continue;
         }
-        if (run_typed(shell, std::exchange(commands, std::string())) == ScriptEnd::quit) {
-            return ScriptEnd::quit;
+        const ScriptEnd end = run_typed(shell, std::exchange(commands, std::string()));
+        if (end == ScriptEnd::quit || termination() != 0) {
+            return end == ScriptEnd::quit ? end : ScriptEnd::done;
         }
+        shell.forget_interruption();
     }
 }
 
-ScriptEnd run_stream(Shell &shell, std::FILE *input) {
+ScriptEnd run_stream(Shell &shell) {
+    StreamLines lines;
     std::string commands;
-    std::string line;
     int first_line = 1;
-    for (int line_number = 1; read_stream_line(input, line); ++line_number) {
+    std::string line = lines.next();
+    for (int line_number = 1; !line.empty(); ++line_number, line = lines.next()) {
         commands += line;
         if (!Shell::is_complete(commands)) {
             continue;
@@ -197,6 +220,11 @@ ScriptEnd run_stream(Shell &shell, std::FILE *input) {
         }
         commands.clear();
         first_line = line_number + 1;
+    }
+    if (lines.interrupted()) {
+        shell.note_interruption(take_interrupt());
+        shell.simulation().transcript.print("Error: interrupted");
+        return ScriptEnd::interrupted;
     }
     // What is left lacks a brace or a quote: let Tcl say so.
     return commands.empty() ? ScriptEnd::done : shell.run_text(commands, "<stdin>", first_line);

@@ -3,8 +3,6 @@
 #ifndef WATTFORGE_HOST_SHELL_PROMPT_H
 #define WATTFORGE_HOST_SHELL_PROMPT_H
 
-#include <cstdio>
-
 #include "host/shell/shell.h"
 
 namespace wf {
@@ -12,12 +10,12 @@ namespace wf {
 // Reads commands from the terminal, with line editing, a history kept in ~/.wfsim_history, and
 // completion (completion.h), until `quit` or the end of the input.
 // An error is told and the prompt comes back; the interrupt key clears the line. Answers `quit` or
-// `done`.
+// `done`; the latter after SIGTERM and SIGHUP, too.
 ScriptEnd run_prompt(Shell &shell);
 
-// Reads commands from `input` to its end and runs each as soon as it is complete. The first error
-// ends it, as it ends a script.
-ScriptEnd run_stream(Shell &shell, std::FILE *input);
+// Reads commands from standard input to its end and runs each as soon as it is complete. The first
+// error ends it, as it ends a script.
+ScriptEnd run_stream(Shell &shell);
 
 }  // namespace wf
 

@@ -40,11 +40,17 @@ std::string limit_of(Shell &shell, const std::string &words, Ticks *limit) {
 int finish_run(Tcl_Interp *interp, Shell &shell, RunEnd end, Ticks limit) {
     Tcl_ResetResult(interp);
     shell.run_notes().tell(end, limit);
-    if (end != RunEnd::interrupted) {
+    // A signal that came as the run ended is the run's, too.
+    if (end != RunEnd::interrupted && *interrupt_flag() == 0) {
         return fail_if_strict(interp, shell.simulation());
     }
-    take_interrupt();
-    return fail_interrupted(interp, shell.run_notes().interruption());
+    const std::string where = shell.run_notes().interruption();
+    if (shell.note_interruption(take_interrupt())) {
+        shell.simulation().transcript.print("Note: " + where);
+        return TCL_OK;
+    }
+    shell.end_interrupted(where);
+    return TCL_ERROR;
 }
 
 // What a suspended run needs when its coroutine goes on.
@@ -55,6 +61,7 @@ struct SuspendedRun {
 
 int resume_run(ClientData data[], Tcl_Interp *interp, int code) {
     const std::unique_ptr<SuspendedRun> run(static_cast<SuspendedRun *>(data[0]));
+    run->shell.wait_in_run(false);
     if (code != TCL_OK) {
         return code;
     }
@@ -80,6 +87,7 @@ int start_run(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const arg
     if (end != RunEnd::suspended) {
         return finish_run(interp, shell, end, limit);
     }
+    shell.wait_in_run(true);
     Tcl_NRAddCallback(interp, resume_run, new SuspendedRun{shell, limit}, nullptr, nullptr,
                       nullptr);
     return Tcl_NREvalObj(interp, new_text("yield"), 0);

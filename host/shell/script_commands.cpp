@@ -6,11 +6,13 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 #include "host/fli/session.h"
 #include "host/shell/commands.h"
 #include "host/shell/shell.h"
 #include "host/shell/transcript.h"
+#include "host/shell/used_files.h"
 
 namespace wf {
 namespace {
@@ -79,7 +81,7 @@ int end_do(ClientData data[], Tcl_Interp *, int code) {
     return code;
 }
 
-int start_do(ClientData, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
+int start_do(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
     if (count < 2) {
         return fail(interp, "usage: do FILE [ARGUMENT]...");
     }
@@ -87,6 +89,7 @@ int start_do(ClientData, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) 
     if (access(path.c_str(), R_OK) != 0) {
         return fail(interp, "do: cannot read " + path + ": " + std::strerror(errno));
     }
+    shell_of(data).simulation().files.reads(path, "the script");
     auto arguments = std::make_unique<ScriptArguments>(interp, count - 2, words + 2);
     Tcl_NRAddCallback(interp, end_do, arguments.release(), nullptr, nullptr, nullptr);
     Tcl_Obj *command = Tcl_NewListObj(0, nullptr);
@@ -121,10 +124,13 @@ int transcript(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const wo
     } else if (count == 2 && action == "file") {
         Tcl_SetObjResult(interp, new_text(transcript.file_name()));
     } else if (count == 3 && action == "file") {
-        std::string error;
-        if (!transcript.set_file(std::string(text_of(words[2])), &error)) {
+        const std::string path(text_of(words[2]));
+        UsedFiles &files = shell.simulation().files;
+        std::string error = path.empty() ? "" : files.obstacle(path, transcript_name);
+        if (!error.empty() || !transcript.set_file(path, &error)) {
             return fail(interp, error);
         }
+        files.writes(path, transcript_name);
     } else {
         return fail(interp, "usage: transcript file [NAME] | transcript on | transcript off");
     }
@@ -134,7 +140,7 @@ int transcript(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const wo
 // --- quit ---
 
 int quit(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[]) {
-    int code = 0;
+    std::optional<int> status;
     for (int i = 1; i < count; ++i) {
         const std::string_view option = text_of(words[i]);
         if (option == "-f" || option == "-force") {
@@ -148,12 +154,14 @@ int quit(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const words[])
         if (option != "-code" || ++i == count) {
             return fail(interp, "usage: quit [-f] [-code STATUS]");
         }
+        int code = 0;
         if (Tcl_GetIntFromObj(interp, words[i], &code) != TCL_OK || code < 0 || code > 255) {
             return fail(interp, "quit: expected a status from 0 to 255, got \"" +
                                     std::string(text_of(words[i])) + "\"");
         }
+        status = code;
     }
-    shell_of(data).request_quit(code);
+    shell_of(data).request_quit(status);
     return TCL_ERROR;
 }
 
@@ -167,7 +175,7 @@ int exit_as_quit(ClientData data, Tcl_Interp *interp, int count, Tcl_Obj *const 
     if (count == 2 && Tcl_GetIntFromObj(interp, words[1], &code) != TCL_OK) {
         return TCL_ERROR;
     }
-    shell_of(data).request_quit(code & 0xff);
+    shell_of(data).request_quit(count == 2 ? std::optional(code & 0xff) : std::nullopt);
     return TCL_ERROR;
 }
 

@@ -4,6 +4,7 @@
 #include "host/shell/shell.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/fli/session.h"
 #include "host/shell/commands.h"
@@ -11,6 +12,10 @@
 #include "host/shell/message_watch.h"
 #include "host/shell/plugin_command.h"
 #include "host/shell/transcript.h"
+
+// Tcl's main loop makes an interpreter whose script was unwound usable again with this function of
+// its library, which no public header declares.
+extern "C" int TclResetCancellation(Tcl_Interp *interp, int force);
 
 namespace wf {
 namespace {
@@ -33,14 +38,6 @@ int answer_plugin_command(ClientData data, Tcl_Interp *interp, int count, Tcl_Ob
 
 void delete_plugin_command(ClientData data) {
     delete static_cast<PluginCommand *>(data);
-}
-
-// Tcl calls this between commands once the handler has been marked.
-int answer_interrupt(ClientData, Tcl_Interp *interp, int code) {
-    if (!take_interrupt()) {
-        return code;
-    }
-    return interp == nullptr ? TCL_ERROR : fail_interrupted(interp, "interrupted");
 }
 
 // Scripts, names and output are UTF-8 whatever the locale says: what stands in a file comes out. A
@@ -95,7 +92,7 @@ Shell::Shell(const Simulation &simulation)
       run_notes_(simulation.control, simulation.transcript),
       channels_(prepared(simulation.transcript)),
       interp_(Tcl_CreateInterp()),
-      interrupt_handler_(Tcl_AsyncCreate(answer_interrupt, nullptr)) {
+      interrupt_handler_(Tcl_AsyncCreate(answer_interrupt, this)) {
     if (Tcl_Init(interp_) != TCL_OK) {
         simulation_.transcript.print(std::string("Warning: Tcl's library was not found: ") +
                                      Tcl_GetStringResult(interp_));
@@ -148,22 +145,24 @@ ScriptEnd Shell::conclude(int tcl_code, std::string_view origin, int first_line)
     if (quit_requested_) {
         return ScriptEnd::quit;
     }
+    const std::string interrupted = std::exchange(interrupted_error_, std::string());
+    if (!interrupted.empty()) {
+        TclResetCancellation(interp_, /*force=*/1);
+    }
     if (tcl_code != TCL_ERROR) {
         return ScriptEnd::done;
     }
-    tell_error(origin, first_line);
-    return variable(interp_, "errorCode") == interrupted_error_code ? ScriptEnd::interrupted
-                                                                    : ScriptEnd::failed;
+    tell_error(origin, first_line, interrupted.empty() ? result() : interrupted);
+    return interrupted.empty() ? ScriptEnd::failed : ScriptEnd::interrupted;
 }
 
-void Shell::tell_error(std::string_view origin, int first_line) {
+void Shell::tell_error(std::string_view origin, int first_line, const std::string &error) {
     std::string place = place_in_file(variable(interp_, "errorInfo"));
     if (place.empty() && !origin.empty()) {
         place =
             std::string(origin) + ":" + std::to_string(first_line - 1 + Tcl_GetErrorLine(interp_));
     }
-    simulation_.transcript.print("Error: " + (place.empty() ? "" : place + ": ") +
-                                 Tcl_GetStringResult(interp_));
+    simulation_.transcript.print("Error: " + (place.empty() ? "" : place + ": ") + error);
 }
 
 std::string Shell::result() const {
@@ -192,10 +191,43 @@ std::vector<std::string> Shell::command_names(std::string_view prefix) const {
     return names;
 }
 
-void Shell::request_quit(int code) {
+void Shell::request_quit(std::optional<int> code) {
     quit_requested_ = true;
     quit_code_ = code;
     Tcl_CancelEval(interp_, nullptr, nullptr, TCL_CANCEL_UNWIND);
+}
+
+// Tcl calls this between commands once the handler has been marked, and while it waits for events.
+int Shell::answer_interrupt(ClientData data, Tcl_Interp *, int code) {
+    auto &shell = *static_cast<Shell *>(data);
+    const int signal = shell.waits_in_run_ ? 0 : take_interrupt();
+    if (signal == 0) {
+        return code;
+    }
+    shell.note_interruption(signal);
+    shell.end_interrupted("interrupted");
+    return TCL_ERROR;
+}
+
+bool Shell::note_interruption(int signal) {
+    const bool is_first = interruption_ == 0;
+    interruption_ = signal == 0 ? interruption_ : signal;
+    return is_first;
+}
+
+void Shell::end_interrupted(const std::string &error) {
+    interrupted_error_ = error;
+    Tcl_CancelEval(interp_, nullptr, nullptr, TCL_CANCEL_UNWIND);
+}
+
+int Shell::exit_status(ScriptEnd end) const {
+    if (end == ScriptEnd::failed) {
+        return 1;
+    }
+    if (end == ScriptEnd::quit && quit_code_) {
+        return *quit_code_;
+    }
+    return interruption_ == 0 ? 0 : interrupted_status(interruption_);
 }
 
 }  // namespace wf

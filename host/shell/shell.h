@@ -10,6 +10,7 @@
 
 #include <tcl.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,7 +27,7 @@ enum class ScriptEnd {
     done,
     failed,
     interrupted,
-    quit,  // the quit command: quit_code() is the exit status that it asked for
+    quit,  // the quit command
 };
 
 class Shell {
@@ -57,9 +58,23 @@ class Shell {
     // Hands on text that the script has printed without a newline.
     void flush() { channels_.flush(); }
 
-    // For the quit command: ends whatever script is running, past every catch.
-    void request_quit(int code);
-    int quit_code() const { return quit_code_; }
+    // For the quit command: ends whatever script is running, past every catch. Without a status of
+    // its own it leaves that to what happened before.
+    void request_quit(std::optional<int> code);
+
+    // An interrupt by that signal has been answered. Only the first of a script answers true: the
+    // script may go on from the `run` that it ended.
+    bool note_interruption(int signal);
+    // While the script's coroutine waits in `run`, interrupts are the run's.
+    void wait_in_run(bool waits) { waits_in_run_ = waits; }
+    // Ends whatever script is running, past every catch, with an error of that text.
+    void end_interrupted(const std::string &error);
+    // For a prompt: what is typed next is a script of its own.
+    void forget_interruption() { interruption_ = 0; }
+
+    // The exit status that a script's end asks for: of the signal that interrupted it, even if it
+    // went on, of an error, or quit's own.
+    int exit_status(ScriptEnd end) const;
 
     // The radix in which examine shows vectors when it is told none.
     Radix default_radix() const { return default_radix_; }
@@ -70,8 +85,9 @@ class Shell {
 
   private:
     void add_plugin_command(const std::string &name);
+    static int answer_interrupt(ClientData data, Tcl_Interp *interp, int code);
     ScriptEnd conclude(int tcl_code, std::string_view origin, int first_line);
-    void tell_error(std::string_view origin, int first_line);
+    void tell_error(std::string_view origin, int first_line, const std::string &error);
 
     Simulation simulation_;
     RunNotes run_notes_;
@@ -80,7 +96,10 @@ class Shell {
     Tcl_AsyncHandler interrupt_handler_;
     Radix default_radix_ = Radix::symbolic;
     bool quit_requested_ = false;
-    int quit_code_ = 0;
+    std::optional<int> quit_code_;
+    bool waits_in_run_ = false;
+    int interruption_ = 0;           // the signal that interrupted the script last
+    std::string interrupted_error_;  // not empty: the script is being ended with it
 };
 
 }  // namespace wf

@@ -10,12 +10,14 @@ class MessageWatch;
 class RunControl;
 class Session;
 class Transcript;
+class UsedFiles;
 
 struct Simulation {
     Session &session;  // whose console is the watch
     RunControl &control;
     Transcript &transcript;
     MessageWatch &watch;
+    UsedFiles &files;
     bool strict = false;  // the first error of a plug-in is an error of the script
 };
 

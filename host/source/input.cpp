@@ -4,13 +4,18 @@
 
 #include <bzlib.h>
 #include <fcntl.h>
+#include <poll.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <cstring>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -20,7 +25,8 @@ namespace {
 class FileInput : public Input {
   public:
     // Owns `descriptor` unless it is standard input.
-    FileInput(std::string name, int descriptor) : Input(std::move(name)), descriptor_(descriptor) {
+    FileInput(std::string name, int descriptor, StopFlag stop)
+        : Input(std::move(name)), descriptor_(descriptor), stop_(stop) {
         if (fstat(descriptor, &opened_) == 0 && S_ISREG(opened_.st_mode)) {
             total_ = static_cast<uint64_t>(opened_.st_size);
         }
@@ -34,6 +40,7 @@ class FileInput : public Input {
     uint64_t bytes_read() const override { return read_; }
     uint64_t bytes_total() const override { return total_; }
     std::string rewind_obstacle() const override;
+    bool stopped() const override { return stopped_; }
 
   protected:
     void go_to(uint64_t offset) override {
@@ -44,6 +51,9 @@ class FileInput : public Input {
     }
     std::size_t fill(char *buffer, std::size_t size) override {
         ssize_t count = 0;
+        if (stop_ != nullptr && !has_bytes()) {
+            return 0;
+        }
         do {
             count = ::read(descriptor_, buffer, size);
         } while (count < 0 && errno == EINTR);
@@ -56,8 +66,16 @@ class FileInput : public Input {
     }
 
   private:
+    using Clock = std::chrono::steady_clock;
+
+    bool has_bytes();
+    bool is_over();
+
     int descriptor_;
     struct stat opened_ = {};  // what the file was then
+    StopFlag stop_;
+    std::optional<Clock::time_point> over_at_;  // once the stop flag has been seen
+    bool stopped_ = false;
     uint64_t read_ = 0;
     uint64_t total_ = 0;
 };
@@ -77,6 +95,38 @@ std::string FileInput::rewind_obstacle() const {
     return is_same ? "" : name() + " has changed since it was opened";
 }
 
+bool FileInput::is_over() {
+    if (*stop_ == 0) {
+        return false;
+    }
+    if (!over_at_) {
+        over_at_ = Clock::now() + std::chrono::seconds(1);
+    }
+    stopped_ = Clock::now() >= *over_at_;
+    return stopped_;
+}
+
+// Waits for a pipe's bytes (or its end); false: the reading is stopped. Signals come only while it
+// waits, so that none gets lost between looking at the flag and waiting.
+bool FileInput::has_bytes() {
+    if (total_ != 0) {
+        return !is_over();
+    }
+    sigset_t held;
+    sigset_t before;
+    sigfillset(&held);
+    pthread_sigmask(SIG_BLOCK, &held, &before);
+    pollfd wanted = {.fd = descriptor_, .events = POLLIN, .revents = 0};
+    constexpr timespec a_moment = {.tv_sec = 0, .tv_nsec = 50'000'000};
+    int ready = 0;
+    while (ready == 0 && !is_over()) {
+        ready = ppoll(&wanted, 1, over_at_ ? &a_moment : nullptr, &before);
+        ready = ready < 0 && errno == EINTR ? 0 : ready;
+    }
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return !stopped_;
+}
+
 // What decompressors have in common: they take blocks and know one stream from the next.
 class CompressedInput : public Input {
   public:
@@ -88,6 +138,7 @@ class CompressedInput : public Input {
     uint64_t bytes_read() const override { return compressed_->bytes_read(); }
     uint64_t bytes_total() const override { return compressed_->bytes_total(); }
     std::string rewind_obstacle() const override { return compressed_->rewind_obstacle(); }
+    bool stopped() const override { return compressed_->stopped(); }
 
   protected:
     // What became of one call of the decompressor.
@@ -318,16 +369,16 @@ std::string_view Input::peek(std::size_t size) {
     return std::string_view(peeked_).substr(0, size);
 }
 
-std::unique_ptr<Input> open_file_input(const std::string &path, std::string *error) {
+std::unique_ptr<Input> open_file_input(const std::string &path, std::string *error, StopFlag stop) {
     if (path == "-") {
-        return std::make_unique<FileInput>("<stdin>", STDIN_FILENO);
+        return std::make_unique<FileInput>("<stdin>", STDIN_FILENO, stop);
     }
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) {
         *error = path + ": expected a readable file, got: " + std::strerror(errno);
         return nullptr;
     }
-    return std::make_unique<FileInput>(path, descriptor);
+    return std::make_unique<FileInput>(path, descriptor, stop);
 }
 
 std::unique_ptr<Input> make_gzip_input(std::unique_ptr<Input> compressed) {

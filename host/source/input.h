@@ -5,6 +5,7 @@
 #ifndef WATTFORGE_HOST_SOURCE_INPUT_H
 #define WATTFORGE_HOST_SOURCE_INPUT_H
 
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -12,6 +13,10 @@
 #include <string_view>
 
 namespace wf {
+
+// Set to non-zero (from a signal handler, say) to make a reader stop; it is not cleared. Null:
+// never.
+using StopFlag = const volatile std::sig_atomic_t *;
 
 class Input {
   public:
@@ -44,6 +49,9 @@ class Input {
     // the way. False: failure().
     bool rewind_to(uint64_t offset);
 
+    // Whether the stop flag has ended the reading.
+    virtual bool stopped() const { return false; }
+
     // Bytes taken so far from the disk or the pipe, and how many it holds (0: not known).
     virtual uint64_t bytes_read() const = 0;
     virtual uint64_t bytes_total() const = 0;
@@ -61,8 +69,10 @@ class Input {
     std::string peeked_;  // read ahead by peek, not yet handed out
 };
 
-// Opens a file, or standard input for "-". Null: `*error` is `path: expected X, got Y`.
-std::unique_ptr<Input> open_file_input(const std::string &path, std::string *error);
+// Opens a file, or standard input for "-". Null: `*error` is `path: expected X, got Y`. Once `stop`
+// is set the bytes end within a second, which leaves the reader the time to come to a good place.
+std::unique_ptr<Input> open_file_input(const std::string &path, std::string *error,
+                                       StopFlag stop = nullptr);
 
 // The uncompressed bytes of `compressed`, which may hold several gzip streams one after another. A
 // stream that is cut off or fails its checksum fails the input after its last good byte.

@@ -50,8 +50,9 @@ std::string describe(std::string_view beginning) {
 
 }  // namespace
 
-std::unique_ptr<Source> open_source(const std::string &path, std::string *error) {
-    std::unique_ptr<Input> input = open_file_input(path, error);
+std::unique_ptr<Source> open_source(const std::string &path, std::string *error,
+                                    StopFlag stop_reading) {
+    std::unique_ptr<Input> input = open_file_input(path, error, stop_reading);
     return input == nullptr ? nullptr : open_source(std::move(input), error);
 }
 

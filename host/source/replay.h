@@ -46,7 +46,8 @@ class ReplaySteps {
 
 // Source::advance_to by way of `events`, whose run() feeds a Sink and says how that ended.
 template <typename Sink, typename Events>
-Progress replay(Events &events, Kernel &kernel, Ticks limit, StopFlag stop, ReplayState &state) {
+Progress replay(Events &events, Kernel &kernel, Ticks limit, StopFlag stop, const Input &input,
+                ReplayState &state) {
     Sink sink(kernel, limit, stop, state);
     using End = decltype(events.run(sink));
     if (!state.error.empty()) {
@@ -60,6 +61,10 @@ Progress replay(Events &events, Kernel &kernel, Ticks limit, StopFlag stop, Repl
         kernel.begin_step(std::max(state.last_time, kernel.now()));
         end = events.run(sink);
         kernel.finish_step();
+    }
+    if (input.stopped()) {
+        state.ended = true;
+        return Progress::interrupted;
     }
     if (end == End::damaged) {
         state.error = events.error();

@@ -8,12 +8,13 @@
 #ifndef WATTFORGE_HOST_SOURCE_SOURCE_H
 #define WATTFORGE_HOST_SOURCE_SOURCE_H
 
-#include <csignal>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <utility>
+
+#include "host/source/input.h"
 
 namespace wf {
 
@@ -21,10 +22,6 @@ class Design;
 class Input;
 class Kernel;
 using Ticks = std::int64_t;
-
-// Set to non-zero (from a signal handler, say) to make advance_to return after the step it is in.
-// Null: never. The source reads it and does not clear it.
-using StopFlag = const volatile std::sig_atomic_t *;
 
 // Why advance_to came back.
 enum class Progress {
@@ -52,7 +49,8 @@ class Source {
     virtual bool load(Design &design) = 0;
 
     // Applies every time step up to and including `limit` (ticks), each one finished in `kernel`
-    // before the next begins and before the return. Pass the largest Ticks to read to the end.
+    // before the next begins and before the return. Pass the largest Ticks to read to the end. Once
+    // `stop` is set it returns after the step it is in.
     virtual Progress advance_to(Kernel &kernel, Ticks limit, StopFlag stop) = 0;
 
     // Why the events cannot be replayed a second time, a whole sentence without its full stop;
@@ -66,6 +64,9 @@ class Source {
     // `file:line: expected X, got Y`, in a binary format with a byte and a section instead of the
     // line; empty while nothing has gone wrong.
     virtual const std::string &error() const = 0;
+
+    // Whether the flag given to open_source has ended the reading: what would come is not known.
+    virtual bool stopped() const = 0;
 
     virtual SourcePosition position() const = 0;
 
@@ -91,7 +92,9 @@ class Source {
 
 // Opens the waveform at `path` ("-" is standard input), plain or compressed with gzip or bzip2; its
 // format is recognised by its content, not its name. Null: `*error` is `file: expected X, got Y`.
-std::unique_ptr<Source> open_source(const std::string &path, std::string *error);
+// `stop_reading` ends the reading, inside a step if need be: the source is `interrupted` for good.
+std::unique_ptr<Source> open_source(const std::string &path, std::string *error,
+                                    StopFlag stop_reading = nullptr);
 
 // The same for what has been opened already, from its first byte.
 std::unique_ptr<Source> open_source(std::unique_ptr<Input> input, std::string *error);

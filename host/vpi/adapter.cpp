@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/fli/plugins.h"
+#include "host/shell/interrupt.h"
 #include "host/shell/plugin_command.h"
 #include "host/source/vpi/access.h"
 #include "host/vpi/system_tasks.h"
@@ -44,6 +45,10 @@ Adapter::Adapter()
 std::string Adapter::prepare(const Arguments &arguments, const std::string &folder,
                              void (*task)(const std::string &line)) {
     script_ = arguments.script;
+    if (!script_.empty()) {
+        files_.reads(script_, "the script");
+    }
+    ignore_closed_pipes();
     memory_limit_ = arguments.memory_limit;
     strict_ = arguments.strict;
     if (arguments.trace) {
@@ -86,6 +91,7 @@ void Adapter::start_script() {
         return;
     }
     shell_.emplace(simulation());
+    catch_signals();
     run_part(command_line({"coroutine", coroutine, "do", script_.c_str()}));
 }
 
@@ -96,16 +102,24 @@ void Adapter::resume_script() {
 }
 
 void Adapter::run_part(const std::string &commands) {
-    switch (shell_->run_text(commands, {})) {
-        case ScriptEnd::done:
-            return;
-        case ScriptEnd::quit:
-            end_simulation(shell_->quit_code());
-            return;
-        case ScriptEnd::failed:
-        case ScriptEnd::interrupted:
-            end_simulation(exit_error);
-            return;
+    const ScriptEnd end = shell_->run_text(commands, {});
+    if (end == ScriptEnd::done && clock_.is_waiting()) {
+        return;
+    }
+    release_interrupts();
+    clock_.stop_waiting();
+    status_ = shell_->exit_status(end);
+    // A script that has ended leaves the simulation to go on, unless it was interrupted.
+    if (end != ScriptEnd::done || status_ != 0) {
+        end_simulation();
+    }
+}
+
+// From here on a signal ends the script's run and not the process.
+void Adapter::catch_signals() {
+    catch_interrupts_in_simulator(simulator_.traits().ends_at_interrupts);
+    if (!simulator_.traits().ends_at_interrupts) {
+        clock_.watch_interrupts();
     }
 }
 
@@ -118,15 +132,15 @@ void Adapter::run_tasks() {
     simulator_.settle();
     for (const std::string &line : std::exchange(tasks_, {})) {
         if (!run_plugin_command(simulation(), line.substr(0, line.find(' ')), line) && strict_) {
-            end_simulation(exit_error);
+            clock_.stop_waiting();
+            status_ = exit_error;
+            end_simulation();
             return;
         }
     }
 }
 
-void Adapter::end_simulation(int status) {
-    clock_.stop_waiting();
-    status_ = status;
+void Adapter::end_simulation() {
     if (!ended_ && simulator_.traits().finishes_anywhere) {
         vpi_control(vpiFinish, 0);
     } else if (!ended_) {
@@ -136,11 +150,12 @@ void Adapter::end_simulation(int status) {
 
 void Adapter::finish() {
     ended_ = true;
-    clock_.end();
+    clock_.end(*interrupt_flag() != 0);
     run_tasks();
     if (!script_started_) {
         start_script();
     } else if (clock_.is_waiting()) {
+        catch_signals();  // the simulator may have taken its own back
         resume_script();
     }
     shell_.reset();

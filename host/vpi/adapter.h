@@ -14,6 +14,7 @@
 #include "host/shell/message_watch.h"
 #include "host/shell/shell.h"
 #include "host/shell/transcript.h"
+#include "host/shell/used_files.h"
 #include "host/source/vpi/source.h"
 #include "host/vpi/arguments.h"
 #include "host/vpi/script_clock.h"
@@ -47,16 +48,20 @@ class Adapter {
 
     // The exit status that was asked for: 0, 1 after an error, or quit's.
     int status() const { return status_; }
+    // Whether standard output has refused text.
+    bool screen_failed() const { return transcript_.screen_failed(); }
 
   private:
     std::string load_plugins(const Arguments &arguments, const std::string &folder);
-    Simulation simulation() { return {session_, clock_, transcript_, watch_, strict_}; }
+    Simulation simulation() { return {session_, clock_, transcript_, watch_, files_, strict_}; }
     void resume_script();
     void run_part(const std::string &commands);
-    void end_simulation(int status);
+    void catch_signals();
+    void end_simulation();
 
     Transcript transcript_;
     MessageWatch watch_;
+    UsedFiles files_;
     Design design_;
     vpi::Simulator simulator_;
     Kernel kernel_;

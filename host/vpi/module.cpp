@@ -143,6 +143,10 @@ PLI_INT32 simulation_ends(s_cb_data *) {
     guarded([&status](Adapter &self) {
         self.finish();
         status = self.status();
+        if (self.screen_failed()) {
+            complain("standard output could not be written completely");
+            status = status == 0 ? exit_error : status;
+        }
     });
     adapter.reset();
     Tcl_Finalize();

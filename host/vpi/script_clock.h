@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "host/kernel/kernel.h"
@@ -18,6 +19,10 @@ class ScriptClock final : public RunControl {
     // for. Both outlive this.
     ScriptClock(const Kernel &kernel, const int &resolution_exponent, std::function<void()> resume)
         : kernel_(kernel), resolution_exponent_(resolution_exponent), resume_(std::move(resume)) {}
+
+    // For a simulator that does not end at an interrupt by itself: looks for one at every time step
+    // of a run.
+    void watch_interrupts() { watches_interrupts_ = true; }
 
     Ticks now() const override { return kernel_.now(); }
     int resolution_exponent() const override { return resolution_exponent_; }
@@ -35,19 +40,26 @@ class ScriptClock final : public RunControl {
     bool is_waiting() const { return waiting_; }
     // The wait is over, and the script about to go on, or not going on any more.
     void stop_waiting() { waiting_ = false; }
-    // The simulator moves time no further: every run ends where it is.
-    void end();
+    // The simulator moves time no further: every run ends where it is, as interrupted when that is
+    // why.
+    void end(bool interrupted);
 
   private:
     static PLI_INT32 time_begins(s_cb_data *data);
     static PLI_INT32 time_settled(s_cb_data *data);
+    static PLI_INT32 step_begins(s_cb_data *data);
+    static PLI_INT32 step_settled(s_cb_data *data);
+    void resume(RunEnd result);
 
     const Kernel &kernel_;
     const int &resolution_exponent_;
     std::function<void()> resume_;
+    bool watches_interrupts_ = false;
     RunEnd result_ = RunEnd::reached;
+    Ticks limit_ = 0;  // of the run that the script waits in
     bool waiting_ = false;
-    bool ended_ = false;
+    bool watching_ = false;        // the next step's begin has been asked for
+    std::optional<RunEnd> ended_;  // as what every run ends
 };
 
 }  // namespace wf

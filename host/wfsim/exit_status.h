@@ -7,10 +7,10 @@ namespace wf {
 
 enum ExitStatus {
     exit_ok = 0,
-    exit_error = 1,         // a script failed, something could not be opened or written
-    exit_usage = 2,         // the command line cannot be followed; nothing was done
-    exit_damaged = 3,       // the waveform is damaged; what lies before the damage was used
-    exit_interrupted = 130  // the interrupt key
+    exit_error = 1,   // a script failed, something could not be opened or written
+    exit_usage = 2,   // the command line cannot be followed; nothing was done
+    exit_damaged = 3  // the waveform is damaged; what lies before the damage was used
+    // and 128 with the number of the signal that interrupted it
 };
 
 }  // namespace wf

@@ -22,6 +22,7 @@
 #include "host/shell/prompt.h"
 #include "host/shell/shell.h"
 #include "host/shell/transcript.h"
+#include "host/shell/used_files.h"
 #include "host/source/input.h"
 #include "host/source/source.h"
 #include "host/wfsim/exit_status.h"
@@ -69,28 +70,14 @@ ScriptEnd run_shell(Shell &shell, const Options &options) {
         return run_given_scripts(shell, options.scripts);
     }
     const bool prompt = !options.batch && isatty(STDIN_FILENO) != 0;
-    return prompt ? run_prompt(shell) : run_stream(shell, stdin);
-}
-
-int exit_status(ScriptEnd end, const Shell &shell) {
-    switch (end) {
-        case ScriptEnd::failed:
-            return exit_error;
-        case ScriptEnd::interrupted:
-            return exit_interrupted;
-        case ScriptEnd::quit:
-            return shell.quit_code();
-        case ScriptEnd::done:
-            break;
-    }
-    return exit_ok;
+    return prompt ? run_prompt(shell) : run_stream(shell);
 }
 
 int run_commands(const Simulation &simulation, const Options &options) {
     int status = exit_ok;
     {
         Shell shell(simulation);
-        status = exit_status(run_shell(shell, options), shell);
+        status = shell.exit_status(run_shell(shell, options));
     }
     Tcl_Finalize();
     return status;
@@ -145,8 +132,8 @@ int simulate(const Simulation &simulation, const Options &options) {
     return status;
 }
 
-int replay(Source &source, Design &design, Transcript &transcript, const Options &options,
-           const std::vector<Plugin> &plugins) {
+int replay(Source &source, Design &design, Transcript &transcript, UsedFiles &files,
+           const Options &options, const std::vector<Plugin> &plugins) {
     Kernel kernel(design);
     Replay control(source, design, kernel);
     MessageWatch watch(transcript);
@@ -160,7 +147,8 @@ int replay(Source &source, Design &design, Transcript &transcript, const Options
             error = load_plugins(session, plugins);
         }
         if (error.empty()) {
-            status = simulate({session, control, transcript, watch, options.strict}, options);
+            status =
+                simulate({session, control, transcript, watch, files, options.strict}, options);
         }
         const std::string trace_error = finish_trace(session, options.trace_file, trace);
         error = error.empty() ? trace_error : error;
@@ -170,15 +158,15 @@ int replay(Source &source, Design &design, Transcript &transcript, const Options
 
 std::unique_ptr<Source> open_waveform(const Options &options, Writer &writer, std::string *error) {
     if (options.command.words.empty()) {
-        return open_source(options.waveform, error);
+        return open_source(options.waveform, error, last_interrupt_flag());
     }
     std::unique_ptr<Input> input = writer.waveform(error);
     return input == nullptr ? nullptr : open_source(std::move(input), error);
 }
 
 // Opens and loads the waveform, then replays it.
-int run_waveform(Transcript &transcript, ProgressMeter &meter, const Options &options,
-                 const std::vector<Plugin> &plugins, Writer &writer) {
+int run_waveform(Transcript &transcript, UsedFiles &files, ProgressMeter &meter,
+                 const Options &options, const std::vector<Plugin> &plugins, Writer &writer) {
     std::string error;
     const std::unique_ptr<Source> source = open_waveform(options, writer, &error);
     if (!source) {
@@ -199,7 +187,9 @@ int run_waveform(Transcript &transcript, ProgressMeter &meter, const Options &op
     if (!loaded) {
         return complain(source->error(), exit_damaged);
     }
-    return replay(*source, design, transcript, options, plugins);
+    every_interrupt_is_the_last(!options.report.saif.empty());
+    catch_interrupts(OnInterrupt::record);
+    return replay(*source, design, transcript, files, options, plugins);
 }
 
 // WATTFORGE_LIBDIR comes from the build: the folder of libraries of the installation.
@@ -209,6 +199,38 @@ PluginOption foreign_option() {
     return {.name = "-foreign",
             .separator = ' ',
             .folders = {folder / ".." / "lib", folder, WATTFORGE_LIBDIR}};
+}
+
+// Nothing may be written over what is read or written under another name. Empty, or what would be.
+std::string claim_files(const Options &options, UsedFiles &files) {
+    if (options.waveform != "-" && options.command.words.empty()) {
+        files.reads(options.waveform, "the waveform");
+    }
+    for (const std::string &script : options.scripts) {
+        if (is_script_file(script)) {
+            files.reads(script, "the script");
+        }
+    }
+    if (!options.report.rtl.empty()) {
+        files.reads(options.report.rtl, "the forward file");
+    }
+    const struct {
+        const char *option;
+        const std::string &path;
+        const char *what;
+    } outputs[] = {{"-l ", options.transcript, transcript_name},
+                   {"-trace=", options.trace_file, "the trace"},
+                   {"-saif ", options.report.saif, report_name}};
+    for (const auto &[option, path, what] : outputs) {
+        const std::string obstacle = path.empty() ? "" : files.obstacle(path, what);
+        if (!obstacle.empty()) {
+            return option + obstacle;
+        }
+        if (!path.empty() && what != report_name) {
+            files.writes(path, what);
+        }
+    }
+    return {};
 }
 
 int run(const Options &options) {
@@ -225,19 +247,26 @@ int run(const Options &options) {
         return complain("the waveform is standard input, so commands need -do or -saif",
                         exit_usage);
     }
+    UsedFiles files;
+    error = claim_files(options, files);
+    if (!error.empty()) {
+        return complain(error, exit_usage);
+    }
     Transcript transcript(stdout);
     if (!transcript.set_file(options.transcript, &error)) {
         return complain(error, exit_error);
     }
     ProgressMeter meter(stderr, !options.quiet);
     transcript.before_output([&meter] { meter.clear(); });
-    catch_interrupts();
+    // While the waveform is loaded there is nothing to save, unless a command has been started.
+    catch_interrupts(options.command.words.empty() ? OnInterrupt::leave : OnInterrupt::record);
     Writer writer;
     error = writer.start(options.command);
     if (!error.empty()) {
         return complain(error, exit_error);
     }
-    int status = run_waveform(transcript, meter, options, plugins, writer);
+    ignore_closed_pipes();  // here, and not in the command
+    int status = run_waveform(transcript, files, meter, options, plugins, writer);
     if (!transcript.set_file("", &error)) {
         status = complain(error, status == exit_ok ? exit_error : status);
     }

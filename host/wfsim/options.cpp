@@ -44,9 +44,9 @@ One command, without a script: record a stretch of time and write the report.
   -testbench PATH       the path that goes with -rtl
 
 Exit status: 0 done; 1 error, also one that the plug-in reported; 2 wrong command line; 3 the
-waveform is damaged (what lies before the damage was used); 130 interrupted. A script's
-`quit -code N` gives N, unless N is 0 and there were errors. COMMAND's own status if it
-failed, 128 and the signal's number if a signal ended it.
+waveform is damaged (what lies before the damage was used); 130, 143, 129 interrupted by SIGINT,
+SIGTERM, SIGHUP. A script's `quit -code N` gives N, unless N is 0 and there were errors. COMMAND's
+own status if it failed, 128 and the signal's number if a signal ended it.
 )";
 
 namespace {

@@ -24,6 +24,11 @@ RunEnd run_end(Progress progress) {
 }  // namespace
 
 RunEnd Replay::start(Ticks limit) {
+    // After a request to end time moves no further.
+    if (termination() != 0 && *interrupt_flag() == 0) {
+        result_ = RunEnd::interrupted;
+        return result_;
+    }
     result_ = run_end(source_.advance_to(kernel_, limit, interrupt_flag()));
     if (result_ == RunEnd::damaged) {
         damage_ = source_.error();

@@ -65,7 +65,7 @@ ReportRun::ReportRun(const Simulation &simulation, const ReportOptions &options)
       notes_(simulation.control, simulation.transcript) {
 }
 
-ExitStatus ReportRun::execute() {
+int ReportRun::execute() {
     if (!settle_arguments()) {
         return status_;
     }
@@ -275,8 +275,7 @@ void ReportRun::run_until(Ticks limit) {
     const RunEnd end = simulation_.control.start(limit);
     notes_.tell(end, limit);
     if (end == RunEnd::interrupted) {
-        take_interrupt();
-        status_ = exit_interrupted;
+        status_ = interrupted_status(take_interrupt());
         simulation_.transcript.print("Note: " + notes_.interruption());
     } else if (end == RunEnd::damaged) {
         status_ = exit_damaged;

@@ -20,7 +20,7 @@ class ReportRun {
 
     // Does it all; every failure has been told in the transcript. After an interrupt or damage in
     // the waveform the report covers what was recorded until then.
-    ExitStatus execute();
+    int execute();
 
   private:
     // Each answers false after telling why.
@@ -48,7 +48,7 @@ class ReportRun {
     RunNotes notes_;
     Ticks start_ = 0;
     Ticks stop_ = run_to_end;
-    ExitStatus status_ = exit_ok;
+    int status_ = exit_ok;
 };
 
 }  // namespace wf

@@ -44,10 +44,11 @@ FORWARD_TEXT = """(SAIFILE (SAIFVERSION "2.0") (DIRECTION "forward") (DESIGN) (D
 """
 
 
-def recorded(start, stop, note=""):
+def recorded(start, stop, note="", end=None):
+    done = INFO + f'Report done, wrote file "o.saif" at time {stop}.000000\n'
     return (SELECTED + OPENED % start + note
             + INFO + f"Turned off counting window at time {stop}.000000\n"
-            + INFO + f'Report done, wrote file "o.saif" at time {stop}.000000\n')
+            + (done if end is None else end))
 
 
 # Refused before anything is opened: arguments, standard error.
@@ -67,6 +68,12 @@ REFUSED = [
     (["t.vcd", "-fifo", "x"], "-fifo goes with -- COMMAND only" + MORE),
     (["--", "sim", "{}"], "the waveform is a command's, so commands need -do or -saif\n"),
     (["-", "-batch"], "the waveform is standard input, so commands need -do or -saif\n"),
+    (["t.vcd", "-saif", "./t.vcd"], "-saif ./t.vcd: the same file as the waveform\n"),
+    (["t.vcd", "-saif", "link.vcd"], "-saif link.vcd: the same file as the waveform\n"),
+    (["t.vcd", "-saif", "o", "-rtl", "r.saif", "-trace=r.saif"],
+     "-trace=r.saif: the same file as the forward file\n"),
+    (["t.vcd", "-do", "run.tcl", "-l", "run.tcl"], "-l run.tcl: the same file as the script\n"),
+    (["t.vcd", "-saif", "o", "-l", "o"], "-saif o: the same file as the transcript\n"),
 ]
 
 # Arguments after the waveform, exit status, what the transcript shows after the plug-in's greeting.
@@ -124,6 +131,10 @@ ANSWERED = [
     ([*FORWARD, "top.fsaif", "-policy", "on /tb"], 1,
      READ % "top" + POLICY + SKIPPED % "/tb/q" + SKIPPED % "/tb/gone" + SELECTED
      + "Error: no report: the design and the regions have no object of top.fsaif\n"),
+    (["-do", "set_toggle_region /tb; toggle_start; run 10; toggle_stop; "
+             "toggle_report t.vcd 1.0e-9 /tb; catch {transcript file ./t.vcd} x; puts $x"], 1,
+     recorded(0, 10, end="Error: toggle_report: t.vcd: the same file as the waveform\n"
+              "./t.vcd: the same file as the waveform\nError: 1 error was reported\n")),
 ]
 
 
@@ -145,9 +156,13 @@ class Folder(FolderCase):
 
 class CommandLines(Folder):
     def test_refused_lines(self):
+        (self.folder / "link.vcd").symlink_to("t.vcd")
+        for name in ("run.tcl", "r.saif"):
+            (self.folder / name).touch()
         for arguments, errors in REFUSED:
             with self.subTest(arguments):
                 self.expect(self.wfsim(*arguments), 2, "", "wfsim: " + errors)
+        self.assertEqual((self.folder / "t.vcd").read_text(), HEADER + EVENTS)
 
     def test_answered_lines(self):
         for arguments, status, output in ANSWERED:
@@ -335,27 +350,40 @@ class Interrupts(Folder):
             self.assertLess(time.monotonic(), end, "waited too long")
             time.sleep(0.01)
 
-    def finish(self, process, status, output):
-        process.send_signal(signal.SIGINT)
+    def finish(self, process, sent, status, output):
+        process.send_signal(sent)
         shown, told = process.communicate("#50\n1!\n#60\n0!\n")
         self.assertEqual((process.returncode, shown, told), (status, START + output, ""))
 
     def test_the_one_command_form_reports_what_it_has(self):
-        self.finish(self.start("-saif", "o.saif"), 130,
-                    recorded(0, 40, "Note: interrupted at 40 ns\n"))
-        self.assertIn("(DURATION 40.00)", (self.folder / "o.saif").read_text())
+        for sent in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            self.finish(self.start("-saif", "o.saif"), sent, 128 + sent,
+                        recorded(0, 40, "Note: interrupted at 40 ns\n"))
+            self.assertIn("(DURATION 40.00)", (self.folder / "o.saif").read_text())
+            (self.folder / "o.saif").unlink()
 
     def test_nothing_to_report_before_the_window(self):
-        self.finish(self.start("-saif", "o.saif", "-start", "55ns"), 130,
+        self.finish(self.start("-saif", "o.saif", "-start", "55ns"), signal.SIGINT, 130,
                     SELECTED + "Note: interrupted at 40 ns\n"
                     "Error: no report: the run ended before the window opened\n")
         self.assertFalse((self.folder / "o.saif").exists())
 
-    def test_a_script_ends_unless_it_catches_it(self):
-        self.finish(self.start("-do", "run -all\nputs on"), 130,
-                    "Error: -do:1: interrupted at 40 ns\n")
-        self.finish(self.start("-do", "catch {run -all} text; puts $text; run -all; puts [now]"), 0,
-                    "interrupted at 40 ns\n60 ns\n")
+    def test_a_script_goes_on_from_its_run(self):
+        note = "Note: interrupted at 40 ns\n"
+        for sent, script, status, output in [
+                (signal.SIGINT, "run -all; puts on; run -all; puts [now]", 130, "on\n60 ns\n"),
+                (signal.SIGINT, "run -all; quit -code 3", 3, ""),
+                (signal.SIGTERM, "run -all; puts on\ncatch {run -all}; puts no", 143,
+                 "on\nError: -do:2: interrupted at 40 ns\n"),
+                (signal.SIGHUP, "run -all; quit -f", 129, "")]:
+            with self.subTest(script):
+                self.finish(self.start("-do", script), sent, status, note + output)
+
+    def test_a_waveform_that_does_not_go_on(self):
+        process = self.start("-saif", "o.saif")
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(60), 143)
+        self.assertIn("(DURATION 40.00)", (self.folder / "o.saif").read_text())
 
     def test_the_second_one_ends_the_program(self):
         process = self.start("-do", "run -all")

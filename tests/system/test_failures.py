@@ -3,8 +3,11 @@
 """What cannot go well: damaged waveforms, missing plug-ins, a full disk; nothing is lost silently.
 One table of scripts says which status each host ends with."""
 
+import os
 import pathlib
 import shutil
+import signal
+import subprocess
 import tempfile
 import unittest
 
@@ -49,15 +52,15 @@ module tb;
         $dumpfile("tb.vcd");
         if ($test$plusargs("vcd")) $dumpvars;
         if ($test$plusargs("tasks")) begin $toggle_start; $toggle_stop; end
-        #100 $finish;
+        if (!$test$plusargs("endless")) #100 $finish;
     end
 endmodule
 """
 VHDL = """entity counter is port (clk : in bit; q : out integer := 0); end;
 architecture a of counter is begin q <= q + 1 when clk'event and clk = '1'; end;
-entity tb is end;
+entity tb is generic (ENDLESS : boolean := false); end;
 architecture a of tb is signal clk : bit; begin
-    clk <= not clk after 5 ns when now < 100 ns;
+    clk <= not clk after 5 ns when ENDLESS or now < 100 ns;
     dut : entity work.counter port map (clk, open);
 end;
 """
@@ -144,6 +147,25 @@ class Status(InsideCase):
         self.assertTrue(done.stdout.endswith(
             "\n<set_toggle_region must be done before toggle_stop.>\n"), done.stdout)
 
+    def test_signals_inside_simulators(self):
+        """The script's run ends, the script goes on; what is no run ends past every catch."""
+        send = 'exec sh -c "sleep 0.3; kill -{} [pid]" &'
+        rows = [([RECORDED[0], "toggle_start", "run -all", "toggle_stop",
+                  "toggle_report out.saif 1.0e-9 /tb/dut"], True),
+                (["run 10ns", "while 1 {catch {while 1 {}}}"], False), (["vwait ever"], False)]
+        for host in self.hosts.keys() & {"Icarus Verilog", "GHDL"}:
+            endless = {"Icarus Verilog": "+endless", "GHDL": "-gENDLESS=true"}[host]
+            for commands, reports in rows:
+                for sent in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+                    with self.subTest(commands[-1], host=host, sent=sent):
+                        lines = [send.format(int(sent)), *commands, ""]
+                        (self.folder / "run.tcl").write_text("\n".join(lines))
+                        report = self.folder / "out.saif"
+                        report.write_text("old")
+                        done = run(*self.hosts[host], endless, folder=self.folder)
+                        self.assertEqual(done.returncode, 128 + sent, done.stdout + done.stderr)
+                        self.assertEqual(report.read_text().endswith("\n)\n"), reports)
+
     def test_system_tasks(self):
         for option, count in (([], "2 errors were"), (["+wf_strict"], "1 error was")):
             shown = self.simulate(self.icarus, None, "+tasks", *option, status=1)
@@ -163,6 +185,24 @@ class Failures(FolderCase):
         for name, row in MISSING.items():
             with self.subTest(name), tempfile.TemporaryDirectory() as folder:
                 self.check(SMALL, *row, folder)
+
+    def test_what_stops_the_writing(self):
+        """An earlier report stays; a reader that goes away costs none."""
+        report = self.folder / "out.saif"
+        report.write_text("old")
+        limited = run("prlimit", "--fsize=1000", WFSIM, SMALL, *RECORD, folder=self.folder)
+        self.assertEqual(limited.returncode, 1)
+        self.assertIn("Could not write file out.saif: File too large", limited.stdout)
+        self.assertEqual(report.read_text(), "old")
+        reading, writing = os.pipe()
+        os.close(reading)
+        done = subprocess.run([WFSIM, SMALL, *RECORD], cwd=self.folder, stdout=writing,
+                              stderr=subprocess.PIPE, text=True, check=False)
+        os.close(writing)
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, "wfsim: standard output could not be written completely\n"))
+        self.assertTrue(report.read_text().endswith("\n)\n"))
+        self.assertEqual(os.listdir(self.folder), ["out.saif"])
 
     def test_damaged_waveforms(self):
         for name, (damage, *expected) in DAMAGED.items():

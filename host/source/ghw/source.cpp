@@ -51,6 +51,7 @@ class GhwSource : public Source {
     std::string rewind_obstacle() const override { return tokens_.input().rewind_obstacle(); }
     bool rewind(Design &design) override;
     const std::string &error() const override { return state_.error; }
+    bool stopped() const override { return tokens_.input().stopped(); }
     SourcePosition position() const override {
         const Input &input = tokens_.input();
         return {input.bytes_read(), input.bytes_total(), state_.last_time};
@@ -122,7 +123,7 @@ Progress GhwSource::advance_to(Kernel &kernel, Ticks limit, StopFlag stop) {
         state_.error = tokens_.error();
         return Progress::damaged;
     }
-    return replay<ReplaySink>(*events_, kernel, limit, stop, state_);
+    return replay<ReplaySink>(*events_, kernel, limit, stop, tokens_.input(), state_);
 }
 
 }  // namespace

@@ -37,6 +37,7 @@ class VcdSource : public Source {
     std::string rewind_obstacle() const override { return tokens_.input().rewind_obstacle(); }
     bool rewind(Design &design) override;
     const std::string &error() const override { return state_.error; }
+    bool stopped() const override { return tokens_.input().stopped(); }
     SourcePosition position() const override {
         const Input &input = tokens_.input();
         return {input.bytes_read(), input.bytes_total(), state_.last_time};
@@ -96,7 +97,8 @@ void VcdSource::start_events() {
 }
 
 Progress VcdSource::advance_to(Kernel &kernel, Ticks limit, StopFlag stop) {
-    return events_ ? replay<ReplaySink>(*events_, kernel, limit, stop, state_) : Progress::damaged;
+    return events_ ? replay<ReplaySink>(*events_, kernel, limit, stop, tokens_.input(), state_)
+                   : Progress::damaged;
 }
 
 }  // namespace

@@ -101,6 +101,7 @@ struct s_vpi_value {
 constexpr PLI_INT32 cbValueChange = 1;
 constexpr PLI_INT32 cbReadWriteSynch = 6;
 constexpr PLI_INT32 cbReadOnlySynch = 7;
+constexpr PLI_INT32 cbNextSimTime = 8;
 constexpr PLI_INT32 cbAfterDelay = 9;
 constexpr PLI_INT32 cbStartOfSimulation = 11;
 constexpr PLI_INT32 cbEndOfSimulation = 12;

@@ -60,6 +60,7 @@ struct Traits {
     bool offers_system_tasks;  // further ones, registered by modules
     bool sends_values;         // with changes, in the formats for scalars and texts
     bool offers_net_ids;       // the property by which Icarus tells nets that are one
+    bool ends_at_interrupts;   // by itself, at SIGINT, SIGTERM and SIGHUP
     bool finishes_anywhere;    // else only in a cbAfterDelay callback
 };
 

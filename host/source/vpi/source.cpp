@@ -90,6 +90,7 @@ Traits traits_of_simulator() {
             .offers_system_tasks = !is_ghdl,
             .sends_values = is_icarus,
             .offers_net_ids = is_icarus,
+            .ends_at_interrupts = !is_ghdl,
             .finishes_anywhere = !is_ghdl};
 }
 

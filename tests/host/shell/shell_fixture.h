@@ -16,6 +16,7 @@
 #include "host/shell/run_control.h"
 #include "host/shell/shell.h"
 #include "host/shell/transcript.h"
+#include "host/shell/used_files.h"
 #include "tests/support/memory_design.h"
 
 namespace wf::test {
@@ -72,8 +73,8 @@ class ShellTest : public testing::Test {
     // Made at the first use, so that a test can register plug-in commands before or after.
     Shell &shell() {
         if (!shell_) {
-            shell_ =
-                std::make_unique<Shell>(Simulation{sim.session(), control, transcript_, watch_});
+            shell_ = std::make_unique<Shell>(
+                Simulation{sim.session(), control, transcript_, watch_, files_});
         }
         return *shell_;
     }
@@ -114,6 +115,7 @@ class ShellTest : public testing::Test {
     std::FILE *screen_ = open_memstream(&screen_text_, &screen_size_);
     Transcript transcript_{screen_};
     MessageWatch watch_{transcript_};
+    UsedFiles files_;
     std::unique_ptr<Shell> shell_;
 };
 

@@ -107,14 +107,15 @@ TEST_F(ShellTest, QuitEndsEveryScriptPastEveryCatch) {
     for (const auto &[commands, code] : rows) {
         Transcript transcript(nullptr);
         MessageWatch watch(transcript);
-        Shell shell(Simulation{sim.session(), control, transcript, watch});
+        UsedFiles files;
+        Shell shell(Simulation{sim.session(), control, transcript, watch, files});
         EXPECT_EQ(shell.run_text(commands, "test"), ScriptEnd::quit) << commands;
-        EXPECT_EQ(shell.quit_code(), code) << commands;
+        EXPECT_EQ(shell.exit_status(ScriptEnd::quit), code) << commands;
     }
     const std::string nested = write_file("nested.tcl", "quit -code 5\nputs on\n");
     EXPECT_EQ(shell().run_file(write_file("run.tcl", "catch {do nested.tcl}\nputs on\n"), {}),
               ScriptEnd::quit);
-    EXPECT_EQ(shell().quit_code(), 5);
+    EXPECT_EQ(shell().exit_status(ScriptEnd::quit), 5);
     EXPECT_EQ(shown(), "");
 }
 
@@ -138,21 +139,31 @@ TEST_F(ShellTest, PluginCommandsGetTheirLineAsTclLeavesIt) {
     EXPECT_THAT(shell().command_names("toggle"), ElementsAre("toggle_one"));
 }
 
-TEST_F(ShellTest, InterruptEndsScriptsAndRuns) {
-    catch_interrupts();
-    EXPECT_EQ(run("puts a; exec kill -INT [pid]; while 1 {}"), ScriptEnd::interrupted);
-    EXPECT_EQ(shown(), "a\nError: test:1: interrupted\n");
-    EXPECT_EQ(*interrupt_flag(), 0);
+TEST_F(ShellTest, InterruptEndsScriptsPastEveryCatch) {
+    catch_interrupts(OnInterrupt::record);
+    for (const char *loop : {"while 1 {}", "while 1 {catch {while 1 {}}}", "vwait forever"}) {
+        EXPECT_EQ(run(std::string("puts a; exec kill -INT [pid]; ") + loop),
+                  ScriptEnd::interrupted);
+        EXPECT_EQ(shown(), "a\nError: test:1: interrupted\n");
+        EXPECT_EQ(*interrupt_flag(), 0);
+        EXPECT_EQ(shell().exit_status(ScriptEnd::interrupted), 130);
+    }
+    std::signal(SIGINT, SIG_DFL);
+}
 
+TEST_F(ShellTest, InterruptEndsOneRunAndThenTheScript) {
+    catch_interrupts(OnInterrupt::record);
     control.end = RunEnd::interrupted;
     control.data_end = 300;
-    EXPECT_EQ(shell().run_file(write_file("run.tcl", "\nrun 1us\nputs on\n"), {}),
+    const std::string note = "Note: interrupted at 300 ns\n";
+    EXPECT_EQ(run("run 1us\nputs on"), ScriptEnd::done);
+    EXPECT_EQ(shown(), note + "on\n");
+    EXPECT_EQ(shell().exit_status(ScriptEnd::done), 130);
+    shell().forget_interruption();
+    EXPECT_EQ(shell().run_file(write_file("run.tcl", "run 5\ncatch {run 5}\nputs on\n"), {}),
               ScriptEnd::interrupted);
-    EXPECT_EQ(shown(), "Error: " + path("run.tcl") + ":2: interrupted at 300 ns\n");
+    EXPECT_EQ(shown(), note + "Error: " + path("run.tcl") + ":2: interrupted at 300 ns\n");
     EXPECT_EQ(*interrupt_flag(), 0);
-
-    EXPECT_EQ(run("catch {run 5} message; puts $message"), ScriptEnd::done);
-    EXPECT_EQ(shown(), "interrupted at 300 ns\n");
     std::signal(SIGINT, SIG_DFL);
 }
 
@@ -188,7 +199,7 @@ TEST_F(ShellTest, ScriptWaitsInRunWhereTheHostOwnsTheLoop) {
     write_file("inner.tcl", "puts \"inner [now]\"; run 20; puts \"inner [now]\"");
     const std::string script = write_file("run.tcl",
                                           "proc go t { run $t; return [now] }\nputs [go 100ns]\n"
-                                          "do inner.tcl\nrun -all\nputs end\nrun 1\nputs never\n");
+                                          "do inner.tcl\nrun -all\nputs end\nrun 1\nputs on\n");
     EXPECT_EQ(run("coroutine script do " + script), ScriptEnd::done);
     EXPECT_EQ(shown(), "");
     const auto resume = [this](Ticks to) {
@@ -203,8 +214,8 @@ TEST_F(ShellTest, ScriptWaitsInRunWhereTheHostOwnsTheLoop) {
     EXPECT_EQ(shown(), "end\n");
     EXPECT_THAT(control.limits, ElementsAre(100, 120, run_to_end, 501));
     control.end = RunEnd::interrupted;
-    EXPECT_EQ(resume(501), ScriptEnd::interrupted);
-    EXPECT_EQ(shown(), "Error: " + script + ":6: interrupted at 501 ns\n");
+    EXPECT_EQ(resume(501), ScriptEnd::done);
+    EXPECT_EQ(shown(), "Note: interrupted at 501 ns\non\n");
     // A script that is never resumed goes with its shell.
     run("coroutine script do " + script);
 }
