@@ -107,6 +107,9 @@ Shell::Shell(const Simulation &simulation)
         [this](const Command &command) { add_plugin_command(command.name); });
     on_interrupt([](void *handler) { Tcl_AsyncMark(static_cast<Tcl_AsyncHandler>(handler)); },
                  interrupt_handler_);
+    if (*interrupt_flag() != 0) {
+        Tcl_AsyncMark(interrupt_handler_);
+    }
 }
 
 Shell::~Shell() {

@@ -75,6 +75,9 @@ std::string Adapter::load_plugins(const Arguments &arguments, const std::string 
 }
 
 std::string Adapter::read_design() {
+    if (!script_.empty()) {
+        catch_signals();
+    }
     std::string error = simulator_.load(design_, memory_limit_);
     kernel_.sync();
     simulator_.attach(kernel_);
@@ -90,8 +93,8 @@ void Adapter::start_script() {
     if (script_.empty()) {
         return;
     }
+    catch_signals();  // the simulator may have put its own in their place
     shell_.emplace(simulation());
-    catch_signals();
     run_part(command_line({"coroutine", coroutine, "do", script_.c_str()}));
 }
 

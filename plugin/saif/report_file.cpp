@@ -123,6 +123,15 @@ static int make_unfinished(const char *path) {
     return descriptor;
 }
 
+// What several writers left behind when they were killed.
+static void remove_further_ones(const char *name, int number) {
+    for (bool removed = true; removed; ++number) {
+        char *path = unfinished_name(name, number);
+        removed = path != nullptr && remove_left_behind(path);
+        free(path);
+    }
+}
+
 // Sets `unfinished` and `lock`.
 static bool make_beside(ReportFile *file) {
     constexpr int most_writers = 100;
@@ -132,6 +141,7 @@ static bool make_beside(ReportFile *file) {
         if (descriptor >= 0) {
             file->unfinished = path;
             file->lock = descriptor;
+            remove_further_ones(file->name, number + 1);
             return true;
         }
         const int cause = path == nullptr ? ENOMEM : errno;
