@@ -168,8 +168,8 @@ const volatile std::sig_atomic_t *last_interrupt_flag() {
     return &last;
 }
 
-void every_interrupt_is_the_last(bool is_so) {
-    every_one_is_last = is_so;
+void every_interrupt_is_the_last(bool last_one) {
+    every_one_is_last = last_one;
 }
 
 int take_interrupt() {

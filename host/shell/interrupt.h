@@ -45,7 +45,7 @@ const volatile std::sig_atomic_t *interrupt_flag();
 // Not zero once reading has to come to its end even inside a time step, because nobody will carry
 // on from there: after SIGTERM and SIGHUP, and with `last` after SIGINT, too. Never null.
 const volatile std::sig_atomic_t *last_interrupt_flag();
-void every_interrupt_is_the_last(bool last);
+void every_interrupt_is_the_last(bool last_one);
 
 // Answers a waiting interrupt: its signal, once for each; 0 for none.
 int take_interrupt();
