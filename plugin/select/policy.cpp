@@ -15,7 +15,11 @@ static int32_t user_gate_level_policy;
 
 void add_to_policy_table(mtiRegionIdT region, int32_t policy) {
     char *full_name = mfli_get_region_full_name(region);
-    if (full_name != nullptr && !st_lookup_kptr_vptr(mfli_policy_table, full_name, nullptr)) {
+    if (full_name == nullptr) {
+        mfli_print_text("Error (KLVA-PWR): Could not get the name of a region; its policy is lost");
+        return;
+    }
+    if (!st_lookup_kptr_vptr(mfli_policy_table, full_name, nullptr)) {
         st_insert_kptr_vptr(mfli_policy_table, mfli_strdup(full_name),
                             reinterpret_cast<void *>(static_cast<intptr_t>(policy)));
     }

@@ -42,7 +42,11 @@ void add_region_to_scope_list(mtiRegionIdT region, st_table *scope_list) {
         return;
     }
     char *full_name = mfli_get_region_full_name(region);
-    if (full_name != nullptr && !overlaps(full_name, scope_list)) {
+    if (full_name == nullptr) {
+        mfli_print_text("Error (KLVA-PWR): Could not get the name of a region; it is not watched");
+        return;
+    }
+    if (!overlaps(full_name, scope_list)) {
         st_insert_kptr_vptr(scope_list, mfli_strdup(full_name), region);
     }
     free(full_name);
