@@ -48,6 +48,8 @@ class FileInput : public Input {
             fail(std::strerror(errno));
         }
         read_ = offset;
+        over_at_.reset();
+        stopped_ = false;
     }
     std::size_t fill(char *buffer, std::size_t size) override {
         ssize_t count = 0;
