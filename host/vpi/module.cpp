@@ -59,8 +59,8 @@ std::string module_path() {
     return info.dli_fname == nullptr ? "" : info.dli_fname;
 }
 
-// What a simulator shows and when it calls back was tried in these two only. In another one, activity
-// would be counted wrongly, and nobody would notice.
+// What a simulator shows and when it calls back was tried in these two only. In another one,
+// activity would be counted wrongly, and nobody would notice.
 void refuse_unknown_simulators() {
     const std::string name = vpi::product();
     if (name != "GHDL" && !name.starts_with("Icarus")) {
